@@ -1,0 +1,7 @@
+#include "editor/cSplash.h"
+
+namespace trellis {
+
+void cSplash::DestroyNow() {}
+
+} // namespace trellis

@@ -1,0 +1,421 @@
+// Text into parts, numbers, path components and characters.
+#include "foundation/cStr.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using namespace trellis;
+
+namespace {
+
+// Lists and numbers
+
+cStr Bars(const cList<cStr>& list) {
+    return cStr::Join("|", list, 0, list.Count());
+}
+
+TEST(StrParse, Split) {
+    constexpr struct {
+        const char *Text, *Separators, *Tokens;
+        int Count;
+    } cases[] = {
+        {"a,,b", ",", "a|b", 2},    {",a,", ",", "a", 1},          {"   ", " ", "", 0},
+        {"abc", nullptr, "abc", 1}, {"a,b", "", "a,b", 1},         {"", ",", "", 0},
+        {nullptr, ",", "", 0},      {"a; b,c", " ,;", "a|b|c", 3}, {"\xe4 \xf6", " ", "\xe4|\xf6", 2},
+    };
+    cList<cStr> list;
+    list.Add("left from an earlier use, longer than a slot", 4);
+    const char* const buffer = list[0].Text();
+    for (const auto& c : cases) {
+        cStr::Split(c.Text, &list, c.Separators);
+        EXPECT_EQ(list.Count(), c.Count) << c.Tokens;
+        EXPECT_STREQ(Bars(list), c.Tokens);
+        EXPECT_EQ(list.Data()[0].Text(), buffer) << "slots are overwritten in place";
+    }
+    list.Clear();
+    list.Add("x y");
+    cStr::Split(list[0], &list, " ");
+    EXPECT_STREQ(Bars(list), "x|y");
+}
+
+TEST(StrParse, Join) {
+    cList<cStr> list;
+    cStr::Split("a b c d", &list, " ");
+    constexpr struct {
+        const char* Separator;
+        int Start, Count;
+        const char* Text;
+    } cases[] = {
+        {", ", 0, 4, "a, b, c, d"}, {"", 1, 2, "bc"}, {nullptr, 0, 4, "abcd"}, {"-", 3, 1, "d"}, {"-", 2, 0, ""}};
+    for (const auto& c : cases) {
+        EXPECT_STREQ(cStr::Join(c.Separator, list, c.Start, c.Count), c.Text);
+    }
+    EXPECT_EQ(cStr::Join("-", list, 0, 0).Data(), nullptr);
+    EXPECT_STREQ(cStr::Join("-", list), "a-b-c-d");
+}
+
+TEST(StrParse, ToInt) {
+    constexpr struct {
+        const char* Text;
+        bool Ok;
+        int Value;
+    } cases[] = {
+        {" \t 12abc", true, 12},
+        {"-7", true, -7},
+        {"+7", true, 7},
+        {"+", false, 0},
+        {"", false, 0},
+        {"- 7", false, 0},
+        {"+-7", false, 0},
+        {"\n7", false, 0},
+        {"x", false, 0},
+        {"007", true, 7},
+        {"1.9", true, 1},
+        {"2147483647", true, INT_MAX},
+        {"2147483648", true, INT_MIN},
+        {"-2147483648", true, INT_MIN},
+        {"4294967297", true, 1}, // wraps
+    };
+    for (const auto& c : cases) {
+        int value = 99;
+        EXPECT_EQ(cStr::ToInt(c.Text, &value), c.Ok) << c.Text;
+        EXPECT_EQ(value, c.Value) << c.Text;
+    }
+}
+
+TEST(StrParse, ToFloat) {
+    const std::string zeros(130, '0');
+    const std::string deep = "0." + zeros + "1", huge = "1" + zeros;
+    const struct {
+        const char* Text;
+        bool Ok;
+        float Value;
+    } cases[] = {
+        {"1.5", true, 1.5f},
+        {"1,5", true, 1.5f}, // the comma is a point
+        {" \t-0.25x", true, -0.25f},
+        {"+3", true, 3},
+        {".5", true, 0.5f},
+        {"5.", true, 5},
+        {"1.5.5", true, 1.5f},
+        {"0.1", true, 0.1f},
+        {"2d2", true, 200},
+        {"2D2", true, 200},
+        {"2e+2", true, 200},
+        {"2E-2", true, 0.02f},
+        {"2e", true, 2}, // no digits behind the letter: 0
+        {"2e-", true, 2},
+        {"2e x", true, 2},
+        {"", false, 0},
+        {".", false, 0},
+        {"-", false, 0},
+        {".e5", false, 0},
+        {"e5", false, 0},
+        {"\n1", false, 0},
+        {"inf", false, 0},
+        {"nan", false, 0},
+        {"3.4e38", true, 3.4e38f},
+        {"3.5e38", false, 0}, // infinite as a float
+        {"-3.5e38", false, 0},
+        {"0e128", true, 0}, // the last exponent, and one beyond
+        {"0e129", false, 0},
+        {"1e129", false, 0},
+        {"0.0e129", true, 0}, // a fraction's digit takes one off
+        {"1e-125", true, 0},  // underflows
+        {"1e-126", false, 0},
+        {"0.1e-125", false, 0},
+        {"1e-45", true, 1.401298464e-45f}, // the smallest denormal
+        {"1e4294967297", false, 0},
+        {"1e-99999999999999999999", false, 0},
+        {deep.c_str(), false, 0},
+        {huge.c_str(), false, 0},
+    };
+    for (const auto& c : cases) {
+        float value = 99;
+        EXPECT_EQ(cStr::ToFloat(c.Text, &value), c.Ok) << c.Text;
+        EXPECT_EQ(value, c.Value) << c.Text;
+    }
+}
+
+TEST(StrParse, NumberLists) {
+    constexpr int ints[] = {1, -20, 300};
+    constexpr float floats[] = {0.5f, -1.25f};
+    constexpr double doubles[] = {1.0 / 3, 2};
+    EXPECT_STREQ(cStr::ToString(ints, 3, ", "), "1, -20, 300");
+    EXPECT_STREQ(cStr::ToString(ints, 0, ", "), "");
+    EXPECT_STREQ(cStr::ToString(floats, 2, 2, " "), "0.50 -1.25");
+    EXPECT_STREQ(cStr::ToString(floats, 1, 0, " "), "0") << "ties go to even";
+    EXPECT_STREQ(cStr::ToString(doubles, 2, 12, nullptr), "0.3333333333332.000000000000");
+
+    cList<int> intList;
+    intList.Add(99);
+    EXPECT_TRUE(cStr::ToIntArray("1, 2;3\t-4", &intList));
+    EXPECT_EQ(std::vector<int>(intList.begin(), intList.end()), std::vector({1, 2, 3, -4}));
+    EXPECT_FALSE(cStr::ToIntArray("5 6 x 7", &intList));
+    EXPECT_EQ(std::vector<int>(intList.begin(), intList.end()), std::vector({5, 6})) << "those ahead of the bad one";
+    EXPECT_TRUE(cStr::ToIntArray(nullptr, &intList));
+    EXPECT_EQ(intList.Count(), 0);
+    cList<float> floatList;
+    EXPECT_TRUE(cStr::ToFloatArray("1.5;2 3e1", &floatList));
+    EXPECT_EQ(std::vector<float>(floatList.begin(), floatList.end()), std::vector({1.5f, 2.0f, 30.0f}));
+}
+
+// Paths
+
+TEST(StrParse, PathComponents) {
+    constexpr struct {
+        const char *Text, *Extension, *Name, *Base, *Path, *NoExtension, *NoName, *NoPath;
+    } cases[] = {
+        {"d\\e/f.tar.gz", "gz", "f.tar.gz", "f", "d\\e/", "d\\e/f.tar", "d\\e", "f.tar.gz"},
+        {"d/e\\f", "", "f", "f", "d/e\\", "d/e\\f", "d/e", "f"},
+        {"a.b/c", "", "c", "c", "a.b/", "a.b/c", "a.b", "c"},
+        {"a.b\\c", "", "c", "c", "a.b\\", "a.b\\c", "a.b", "c"},
+        {"a/b/", "", "b/", "b/", "a/b/", "a/b/", "a/b", ""}, // a trailing slash stays on the name
+        {".rc", "rc", ".rc", "", "", "", "", ".rc"},
+        {"a/b.", "", "b.", "b", "a/", "a/b", "a", "b."},
+        {"a.b", "b", "a.b", "a", "", "a", "", "a.b"},
+        {"/", "", "/", "/", "/", "/", "", ""}, // a single byte is its own name
+        {"//", "", "/", "/", "//", "//", "/", ""},
+        {"/a", "", "a", "a", "/", "/a", "", "a"},
+        {"", "", "", "", "", "", "", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.Text);
+        const cStr s(c.Text);
+        EXPECT_STREQ(s.GetFileExtension(), c.Extension);
+        EXPECT_STREQ(s.GetFileName(), c.Name);
+        EXPECT_STREQ(s.GetFileBase(), c.Base);
+        EXPECT_STREQ(s.GetFilePath(), c.Path);
+        cStr noExtension(s), noName(s), noPath(s);
+        noExtension.RemoveFileExtension();
+        noName.RemoveFileName();
+        noPath.RemoveFilePath();
+        EXPECT_STREQ(noExtension, c.NoExtension);
+        EXPECT_STREQ(noName, c.NoName);
+        EXPECT_STREQ(noPath, c.NoPath);
+    }
+    cStr null;
+    null.RemoveFileExtension();
+    null.RemoveFileName();
+    null.RemoveFilePath();
+    null.EnsureTrailingBackslash();
+    EXPECT_STREQ(null.GetFileName(), "");
+    EXPECT_STREQ(null.GetFilePath(), "");
+}
+
+struct PathEdit {
+    const char* Name;
+    void (*Function)(cStr* s, const char* argument);
+    const char *Text, *Argument, *Expected;
+};
+
+void SetExtension(cStr* s, const char* a) {
+    s->SetFileExtension(a);
+}
+void SetDefaultExtension(cStr* s, const char* a) {
+    s->SetFileDefaultExtension(a);
+}
+void SetPath(cStr* s, const char* a) {
+    s->SetFilePath(a);
+}
+void SetDefaultPath(cStr* s, const char* a) {
+    s->SetFileDefaultPath(a);
+}
+void AppendPath(cStr* s, const char* a) {
+    s->AppendPath(a);
+}
+void RemoveAbs(cStr* s, const char* a) {
+    s->RemoveFileAbsPath(a);
+}
+void Trailing(cStr* s, const char*) {
+    s->EnsureTrailingBackslash();
+}
+void ToBack(cStr* s, const char*) {
+    s->SlashesToBackSlashes();
+}
+void ToForward(cStr* s, const char*) {
+    s->BackSlashesToSlashes();
+}
+
+constexpr PathEdit s_PathEdits[] = {
+    {"replaces the extension", SetExtension, "a/f.x.y", "z", "a/f.x.z"},
+    {"takes the dot along", SetExtension, "f.y", ".z", "f.z"},
+    {"dot of a folder", SetExtension, "a.b/f", "z", "a.b/f.z"},
+    {"default over one", SetDefaultExtension, "f.y", "z", "f.y"},
+    {"default over none", SetDefaultExtension, "a.b/f", ".z", "a.b/f.z"},
+    {"another path", SetPath, "a/b/f.x", "p/q", "p/q\\f.x"},
+    {"another path with its slash", SetPath, "f.x", "p/", "p/f.x"},
+    {"path without a name", SetPath, "", "p/", "p/"},
+    {"default path over none", SetDefaultPath, "f", "p", "p\\f"},
+    {"default path over one", SetDefaultPath, "/f", "p", "/f"},
+    {"one backslash joins", AppendPath, "c:", "/x/y", "c:\\x\\y"},
+    {"onto nothing", AppendPath, "", "/x/y", "x\\y"},
+    {"onto a slash, which stays", AppendPath, "a/b/", "x", "a/b/x"},
+    {"one slash is skipped, no more", AppendPath, "a", "//x", "a\\\\x"},
+    {"backslashes stay", AppendPath, "a", "\\x\\y", "a\\x\\y"},
+    {"a slash alone", AppendPath, "a", "/", "a\\"},
+    {"empty", AppendPath, "a", "", "a"},
+    {"null", AppendPath, "a", nullptr, "a"},
+    {"under the root", RemoveAbs, "C:\\A\\f", "c:\\a", "f"},
+    {"under the root with its slash", RemoveAbs, "/r/f", "/r/", "f"},
+    {"the root itself", RemoveAbs, "/r", "/r", ""},
+    {"text is cut, not components", RemoveAbs, "/root/f", "/ro", "ot/f"},
+    {"beside the root", RemoveAbs, "c:/a/b", "C:\\x\\y", "..\\..\\a\\b"},
+    {"the root, other slashes", RemoveAbs, "c:/a/b", "c:\\a", "b"},
+    {"above the root", RemoveAbs, "c:\\a", "c:\\a\\b\\c", "..\\.."},
+    {"another root", RemoveAbs, "d:\\a", "c:\\a", "d:\\a"},
+    {"no text", RemoveAbs, nullptr, "c:\\a", ""},
+    {"gets one", Trailing, "a", nullptr, "a\\"},
+    {"has one", Trailing, "a/", nullptr, "a/"},
+    {"stays empty", Trailing, "", nullptr, ""},
+    {"all of them", ToBack, "/a\\b/", nullptr, "\\a\\b\\"},
+    {"and back", ToForward, "/a\\b/", nullptr, "/a/b/"},
+};
+
+TEST(StrParse, PathEdits) {
+    for (const PathEdit& c : s_PathEdits) {
+        cStr s(c.Text);
+        c.Function(&s, c.Argument);
+        EXPECT_STREQ(s, c.Expected) << c.Name;
+        EXPECT_EQ(size_t(s.Length()), std::string_view(c.Expected).size()) << c.Name;
+    }
+    cStr own("a/b");
+    own.AppendPath(own.Text() + 1);
+    EXPECT_STREQ(own, "a/b\\b");
+}
+
+// UTF-8
+
+using Units = std::vector<unsigned short>;
+
+/// Bytes of the well-formed sequence at the front (The Unicode Standard, table 3-7), 0 for none.
+int WellFormed(std::string_view s, unsigned int* code) {
+    const auto byte = [&](size_t i) { return i < s.size() ? (unsigned int)(unsigned char)s[i] : 0u; };
+    const auto trail = [&](size_t i, unsigned int low = 0x80, unsigned int high = 0xBF) {
+        return byte(i) >= low && byte(i) <= high;
+    };
+    const unsigned int first = byte(0);
+    if (first <= 0x7F) {
+        *code = first;
+        return 1;
+    }
+    if (first >= 0xC2 && first <= 0xDF && trail(1)) {
+        *code = (first - 0xC0) * 64 + byte(1) - 0x80;
+        return 2;
+    }
+    if (first >= 0xE0 && first <= 0xEF && trail(1, first == 0xE0 ? 0xA0 : 0x80, first == 0xED ? 0x9F : 0xBF) &&
+        trail(2)) {
+        *code = (first - 0xE0) * 4096 + (byte(1) - 0x80) * 64 + byte(2) - 0x80;
+        return 3;
+    }
+    if (first >= 0xF0 && first <= 0xF4 && trail(1, first == 0xF0 ? 0x90 : 0x80, first == 0xF4 ? 0x8F : 0xBF) &&
+        trail(2) && trail(3)) {
+        *code = (first - 0xF0) * 262144 + (byte(1) - 0x80) * 4096 + (byte(2) - 0x80) * 64 + byte(3) - 0x80;
+        return 4;
+    }
+    return 0;
+}
+
+/// @return whether all of it is well-formed; the units end ahead of the first sequence that is not
+bool PlainDecode(std::string_view s, Units* units) {
+    units->clear();
+    while (!s.empty()) {
+        unsigned int code = 0;
+        const int n = WellFormed(s, &code);
+        if (n == 0) {
+            return false;
+        }
+        if (code >= 0x10000) {
+            units->push_back((unsigned short)(0xD800 + ((code - 0x10000) >> 10)));
+            code = 0xDC00 + ((code - 0x10000) & 0x3FF);
+        }
+        units->push_back((unsigned short)code);
+        s.remove_prefix(size_t(n));
+    }
+    return true;
+}
+
+class Utf8 : public testing::Test {
+protected:
+    /// Compares with the plain decoder, and the length of the first sequence too.
+    bool Agrees(std::string_view bytes) {
+        m_Text.Copy(bytes.data(), 0, int(bytes.size()));
+        const bool expected = PlainDecode(bytes, &m_Units);
+        unsigned int code;
+        const int n = WellFormed(bytes, &code);
+        return m_Text.DecodeUTF8(&m_List) == expected &&
+               std::equal(m_List.begin(), m_List.end(), m_Units.begin(), m_Units.end()) &&
+               m_Text.CalcUTF8Length(0) == (n > 0 ? n : int(bytes.size()));
+    }
+
+    cStr m_Text;
+    cList<unsigned short> m_List;
+    Units m_Units;
+};
+
+TEST_F(Utf8, EveryCodePoint) {
+    int wrong = 0;
+    for (unsigned int code = 0; code < 0x120000; code++) { // surrogates and what lies beyond 10FFFF are refused
+        char bytes[] = {'x', 0, 0, 0, 0, 'y'};
+        int n = 1;
+        if (code < 0x80) {
+            bytes[n++] = char(code);
+        } else {
+            const int trails = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+            bytes[n++] = char((trails == 1 ? 0xC0 : trails == 2 ? 0xE0 : 0xF0) | (code >> (6 * trails)));
+            for (int i = trails - 1; i >= 0; i--) {
+                bytes[n++] = char(0x80 | ((code >> (6 * i)) & 0x3F));
+            }
+        }
+        bytes[n] = 'y';
+        wrong += !Agrees({bytes, size_t(n) + 1}) + !Agrees({bytes + 1, size_t(n)});
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(Utf8, EveryCombinationOfBoundaryBytes) {
+    constexpr unsigned char edges[] = {0x00, 0x41, 0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC0, 0xC1, 0xC2, 0xDF,
+                                       0xE0, 0xE1, 0xEC, 0xED, 0xEE, 0xEF, 0xF0, 0xF1, 0xF3, 0xF4, 0xF5, 0xFF};
+    int wrong = 0;
+    char bytes[4];
+    for (const unsigned char a : edges) {
+        bytes[0] = char(a);
+        for (const unsigned char b : edges) {
+            bytes[1] = char(b);
+            for (const unsigned char c : edges) {
+                bytes[2] = char(c);
+                for (const unsigned char d : edges) {
+                    bytes[3] = char(d);
+                    wrong += !Agrees({bytes, 4});
+                }
+                wrong += !Agrees({bytes, 3});
+            }
+            wrong += !Agrees({bytes, 2});
+        }
+        wrong += !Agrees({bytes, 1});
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(Utf8, Samples) {
+    cStr s("a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80z"); // a, U+E4, U+20AC, U+1F600, z
+    EXPECT_TRUE(s.DecodeUTF8(&m_List));
+    EXPECT_EQ(Units(m_List.begin(), m_List.end()), Units({'a', 0xE4, 0x20AC, 0xD83D, 0xDE00, 'z'}));
+    constexpr int lengths[] = {1, 2, 11 - 2, 3}; // at 0, 1, 2 (inside a character: to the end), 3
+    for (int i = 0; i < 4; i++) {
+        EXPECT_EQ(s.CalcUTF8Length(i), lengths[i]) << i;
+    }
+    EXPECT_EQ(s.CalcUTF8Length(s.Length()), 0);
+    EXPECT_EQ(s.CalcUTF8Length(s.Length() + 5), 0);
+    s.Copy("ok\x80gone");
+    EXPECT_FALSE(s.DecodeUTF8(&m_List));
+    EXPECT_EQ(m_List.Count(), 2) << "what follows a rejected byte is dropped";
+    EXPECT_TRUE(cStr().DecodeUTF8(&m_List));
+    EXPECT_EQ(m_List.Count(), 0);
+}
+
+} // namespace
