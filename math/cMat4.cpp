@@ -4,10 +4,6 @@
 #include "math/cBounds.h"
 #include "math/cQuat.h"
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace trellis {
 
 namespace {
@@ -154,58 +150,98 @@ void cMat4::MultiplyPlain(const cMat4& a, const cMat4& b, cMat4* out) {
     *out = r;
 }
 
-// Inverse by the 2 by 2 minors of the upper and the lower two rows (Laplace expansion): s from rows 0 and 1, c from
-// rows 2 and 3, det = s0 c5 - s1 c4 + s2 c3 + s3 c2 - s4 c1 + s5 c0.
+// Inverse by Laplace expansion over the 2 by 2 minors of the upper two rows (s) and the lower two (c). Element (i, j)
+// of the adjugate takes the elements of row j ^ 1 and the minors of the other pair of rows:
+//
+//     | +(1 5 - 2 4 + 3 3)  -...  +...  -... |      a pair "column, minor" stands for m[row][column] times the minor
+//     | -(0 5 - 2 2 + 3 1)                   |      numbered 0 (columns 01), 1 (02), 2 (03), 3 (12), 4 (13), 5 (23);
+//     | +(0 4 - 1 2 + 3 0)                   |      rows 1, 0 go with c and rows 3, 2 with s
+//     | -(0 3 - 1 1 + 2 0)                   |
 bool cMat4::InvertPlain(const cMat4& a, cMat4* out) {
-    const float* m = a.m;
-    const float s0 = m[0] * m[5] - m[4] * m[1], s1 = m[0] * m[6] - m[4] * m[2], s2 = m[0] * m[7] - m[4] * m[3];
-    const float s3 = m[1] * m[6] - m[5] * m[2], s4 = m[1] * m[7] - m[5] * m[3], s5 = m[2] * m[7] - m[6] * m[3];
-    const float c5 = m[10] * m[15] - m[14] * m[11], c4 = m[9] * m[15] - m[13] * m[11];
-    const float c3 = m[9] * m[14] - m[13] * m[10], c2 = m[8] * m[15] - m[12] * m[11];
-    const float c1 = m[8] * m[14] - m[12] * m[10], c0 = m[8] * m[13] - m[12] * m[9];
-    const float determinant = s0 * c5 - s1 * c4 + s2 * c3 + s3 * c2 - s4 * c1 + s5 * c0;
+    constexpr int pairs[6][2] = {{0, 1}, {0, 2}, {0, 3}, {1, 2}, {1, 3}, {2, 3}};
+    constexpr int terms[4][3][2] = {
+        {{1, 5}, {2, 4}, {3, 3}}, {{0, 5}, {2, 2}, {3, 1}}, {{0, 4}, {1, 2}, {3, 0}}, {{0, 3}, {1, 1}, {2, 0}}};
+    float minors[2][6]; // of rows 2 and 3, of rows 0 and 1
+    for (int k = 0; k < 6; k++) {
+        const int i = pairs[k][0], j = pairs[k][1];
+        minors[0][k] = a(2, i) * a(3, j) - a(3, i) * a(2, j);
+        minors[1][k] = a(0, i) * a(1, j) - a(1, i) * a(0, j);
+    }
+    cMat4 adjugate; // without the signs
+    for (int i = 0; i < 4; i++) {
+        for (int j = 0; j < 4; j++) {
+            const auto product = [&](int t) { return a(j ^ 1, terms[i][t][0]) * minors[j / 2][terms[i][t][1]]; };
+            adjugate(i, j) = product(0) - product(1) + product(2);
+        }
+    }
+    const float determinant =
+        a(0, 0) * adjugate(0, 0) - a(0, 1) * adjugate(1, 0) + a(0, 2) * adjugate(2, 0) - a(0, 3) * adjugate(3, 0);
     if (!(std::fabs(determinant) > cMath::MatrixInvertEpsilon)) {
         return false;
     }
-    const float d = 1.0f / determinant;
-    *out = {(m[5] * c5 - m[6] * c4 + m[7] * c3) * d,     (-m[1] * c5 + m[2] * c4 - m[3] * c3) * d,
-            (m[13] * s5 - m[14] * s4 + m[15] * s3) * d,  (-m[9] * s5 + m[10] * s4 - m[11] * s3) * d,
-            (-m[4] * c5 + m[6] * c2 - m[7] * c1) * d,    (m[0] * c5 - m[2] * c2 + m[3] * c1) * d,
-            (-m[12] * s5 + m[14] * s2 - m[15] * s1) * d, (m[8] * s5 - m[10] * s2 + m[11] * s1) * d,
-            (m[4] * c4 - m[5] * c2 + m[7] * c0) * d,     (-m[0] * c4 + m[1] * c2 - m[3] * c0) * d,
-            (m[12] * s4 - m[13] * s2 + m[15] * s0) * d,  (-m[8] * s4 + m[9] * s2 - m[11] * s0) * d,
-            (-m[4] * c3 + m[5] * c1 - m[6] * c0) * d,    (m[0] * c3 - m[1] * c1 + m[2] * c0) * d,
-            (-m[12] * s3 + m[13] * s1 - m[14] * s0) * d, (m[8] * s3 - m[9] * s1 + m[10] * s0) * d};
+    const float scale = 1.0f / determinant;
+    for (int i = 0; i < 4; i++) {
+        for (int j = 0; j < 4; j++) {
+            (*out)(i, j) = adjugate(i, j) * ((i + j) % 2 == 0 ? scale : -scale);
+        }
+    }
     return true;
 }
 
 #if defined(__SSE2__)
 
-void cMat4::Multiply(const cMat4& a, const cMat4& b, cMat4* out) {
-    const __m128 b0 = _mm_loadu_ps(b.m), b1 = _mm_loadu_ps(b.m + 4);
-    const __m128 b2 = _mm_loadu_ps(b.m + 8), b3 = _mm_loadu_ps(b.m + 12);
-    __m128 rows[4];
-    for (int i = 0; i < 4; i++) { // the additions in the order of the plain form, so that the bits agree
-        const float* r = a.m + i * 4;
-        const __m128 sum01 = _mm_add_ps(_mm_mul_ps(_mm_set1_ps(r[0]), b0), _mm_mul_ps(_mm_set1_ps(r[1]), b1));
-        rows[i] = _mm_add_ps(_mm_add_ps(sum01, _mm_mul_ps(_mm_set1_ps(r[2]), b2)), _mm_mul_ps(_mm_set1_ps(r[3]), b3));
+namespace {
+
+/// A minor of two columns, (c, c, s, s); `upper` holds rows 2, 2, 0, 0 of a column and `lower` rows 3, 3, 1, 1.
+__m128 Minor(__m128 upperI, __m128 lowerI, __m128 upperJ, __m128 lowerJ) {
+    return _mm_sub_ps(_mm_mul_ps(upperI, lowerJ), _mm_mul_ps(lowerI, upperJ));
+}
+
+__m128 Expand(__m128 a, __m128 minorA, __m128 b, __m128 minorB, __m128 c, __m128 minorC) {
+    return _mm_add_ps(_mm_sub_ps(_mm_mul_ps(a, minorA), _mm_mul_ps(b, minorB)), _mm_mul_ps(c, minorC));
+}
+
+} // namespace
+
+bool cMat4::Invert(const cMat4& a, cMat4* out) {
+    __m128 c0 = _mm_loadu_ps(a.m), c1 = _mm_loadu_ps(a.m + 4), c2 = _mm_loadu_ps(a.m + 8), c3 = _mm_loadu_ps(a.m + 12);
+    _MM_TRANSPOSE4_PS(c0, c1, c2, c3);
+#define TRELLIS_ROWS(column, r0, r1, r2, r3) _mm_shuffle_ps(column, column, _MM_SHUFFLE(r3, r2, r1, r0))
+    const __m128 u0 = TRELLIS_ROWS(c0, 2, 2, 0, 0), l0 = TRELLIS_ROWS(c0, 3, 3, 1, 1);
+    const __m128 u1 = TRELLIS_ROWS(c1, 2, 2, 0, 0), l1 = TRELLIS_ROWS(c1, 3, 3, 1, 1);
+    const __m128 u2 = TRELLIS_ROWS(c2, 2, 2, 0, 0), l2 = TRELLIS_ROWS(c2, 3, 3, 1, 1);
+    const __m128 u3 = TRELLIS_ROWS(c3, 2, 2, 0, 0), l3 = TRELLIS_ROWS(c3, 3, 3, 1, 1);
+    const __m128 m0 = Minor(u0, l0, u1, l1), m1 = Minor(u0, l0, u2, l2), m2 = Minor(u0, l0, u3, l3);
+    const __m128 m3 = Minor(u1, l1, u2, l2), m4 = Minor(u1, l1, u3, l3), m5 = Minor(u2, l2, u3, l3);
+    const __m128 e0 = TRELLIS_ROWS(c0, 1, 0, 3, 2), e1 = TRELLIS_ROWS(c1, 1, 0, 3, 2);
+    const __m128 e2 = TRELLIS_ROWS(c2, 1, 0, 3, 2), e3 = TRELLIS_ROWS(c3, 1, 0, 3, 2);
+#undef TRELLIS_ROWS
+    const __m128 row0 = Expand(e1, m5, e2, m4, e3, m3);
+    const __m128 row1 = Expand(e0, m5, e2, m2, e3, m1);
+    const __m128 row2 = Expand(e0, m4, e1, m2, e3, m0);
+    const __m128 row3 = Expand(e0, m3, e1, m1, e2, m0);
+    const float determinant = a.m[0] * _mm_cvtss_f32(row0) - a.m[1] * _mm_cvtss_f32(row1) +
+                              a.m[2] * _mm_cvtss_f32(row2) - a.m[3] * _mm_cvtss_f32(row3);
+    if (!(std::fabs(determinant) > cMath::MatrixInvertEpsilon)) {
+        return false;
     }
-    for (int i = 0; i < 4; i++) {
-        _mm_storeu_ps(out->m + i * 4, rows[i]);
-    }
+    const float scale = 1.0f / determinant;
+    const __m128 even = _mm_setr_ps(scale, -scale, scale, -scale);
+    const __m128 odd = _mm_setr_ps(-scale, scale, -scale, scale);
+    _mm_storeu_ps(out->m, _mm_mul_ps(row0, even));
+    _mm_storeu_ps(out->m + 4, _mm_mul_ps(row1, odd));
+    _mm_storeu_ps(out->m + 8, _mm_mul_ps(row2, even));
+    _mm_storeu_ps(out->m + 12, _mm_mul_ps(row3, odd));
+    return true;
 }
 
 #else
 
-void cMat4::Multiply(const cMat4& a, const cMat4& b, cMat4* out) {
-    MultiplyPlain(a, b, out);
-}
-
-#endif
-
 bool cMat4::Invert(const cMat4& a, cMat4* out) {
     return InvertPlain(a, out);
 }
+
+#endif
 
 void cMat4::SetRotation(const cAngles& angles) {
     const cMat3 r = angles.ToMat3();

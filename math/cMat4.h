@@ -9,6 +9,10 @@
 #include "math/cMat3.h"
 #include "math/cVec4.h"
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace trellis {
 
 class cAngles;
@@ -106,8 +110,10 @@ public:
     static bool Invert(const cMat4& a, cMat4* out);
     static cMat4 Transpose(const cMat4& a);
 
-    /// The product, four columns at a time; `MultiplyPlain` is the same without SSE2, to the bit.
+    /// The product; `out` may be a factor.
     static void Multiply(const cMat4& a, const cMat4& b, cMat4* out);
+
+    /// The same two without SSE2, to the bit.
     static void MultiplyPlain(const cMat4& a, const cMat4& b, cMat4* out);
     static bool InvertPlain(const cMat4& a, cMat4* out);
 
@@ -135,6 +141,29 @@ public:
 
     static const cMat4 Identity, Zero;
 };
+
+#if defined(__SSE2__)
+
+inline void cMat4::Multiply(const cMat4& a, const cMat4& b, cMat4* out) {
+    const __m128 b0 = _mm_loadu_ps(b.m), b1 = _mm_loadu_ps(b.m + 4);
+    const __m128 b2 = _mm_loadu_ps(b.m + 8), b3 = _mm_loadu_ps(b.m + 12);
+    for (int i = 0; i < 16; i += 4) { // the additions in the order of the plain form, so that the bits agree
+        const __m128 row = _mm_loadu_ps(a.m + i);
+        const __m128 p0 = _mm_mul_ps(_mm_shuffle_ps(row, row, _MM_SHUFFLE(0, 0, 0, 0)), b0);
+        const __m128 p1 = _mm_mul_ps(_mm_shuffle_ps(row, row, _MM_SHUFFLE(1, 1, 1, 1)), b1);
+        const __m128 p2 = _mm_mul_ps(_mm_shuffle_ps(row, row, _MM_SHUFFLE(2, 2, 2, 2)), b2);
+        const __m128 p3 = _mm_mul_ps(_mm_shuffle_ps(row, row, _MM_SHUFFLE(3, 3, 3, 3)), b3);
+        _mm_storeu_ps(out->m + i, _mm_add_ps(_mm_add_ps(_mm_add_ps(p0, p1), p2), p3));
+    }
+}
+
+#else
+
+inline void cMat4::Multiply(const cMat4& a, const cMat4& b, cMat4* out) {
+    MultiplyPlain(a, b, out);
+}
+
+#endif
 
 inline constexpr cMat4 cMat4::Identity{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 inline constexpr cMat4 cMat4::Zero{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};

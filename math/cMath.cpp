@@ -19,7 +19,7 @@ float NextRandom() {
     return std::bit_cast<float>((s_RandSeed & 0x7FFFFFu) | 0x3F800000u);
 }
 
-constexpr int Slices = 8; // bytes that one step of the checksum takes in
+constexpr int Slices = 16; // bytes that one step of the checksum takes in
 
 /// Table k gives what a byte does to the checksum k steps later (Kounavis and Berry, "Novel Table Lookup-Based
 /// Algorithms for High-Performance CRC Generation"); table 0 is the plain one.
@@ -42,6 +42,12 @@ cList<uint32_t> BuildChecksumTable() {
 
 uint32_t LoadLittle32(const unsigned char* p) {
     return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24;
+}
+
+/// What four bytes do to the checksum; `table` is that of the last of them.
+inline uint32_t Slice(const uint32_t* table, uint32_t word) {
+    return table[3 * 256 + (word & 255)] ^ table[2 * 256 + (word >> 8 & 255)] ^ table[256 + (word >> 16 & 255)] ^
+           table[word >> 24];
 }
 
 void* SwapItems(void* data, int size, int count) {
@@ -111,11 +117,8 @@ unsigned int cMath::Checksum(const void* data, unsigned int size) {
     const auto* p = static_cast<const unsigned char*>(data);
     uint32_t c = 0xFFFFFFFFu;
     for (; size >= Slices; size -= Slices, p += Slices) {
-        const uint32_t a = c ^ LoadLittle32(p);
-        const uint32_t b = LoadLittle32(p + 4);
-        c = table[7 * 256 + (a & 255)] ^ table[6 * 256 + (a >> 8 & 255)] ^ table[5 * 256 + (a >> 16 & 255)] ^
-            table[4 * 256 + (a >> 24)] ^ table[3 * 256 + (b & 255)] ^ table[2 * 256 + (b >> 8 & 255)] ^
-            table[256 + (b >> 16 & 255)] ^ table[b >> 24];
+        c = Slice(table + 12 * 256, c ^ LoadLittle32(p)) ^ Slice(table + 8 * 256, LoadLittle32(p + 4)) ^
+            Slice(table + 4 * 256, LoadLittle32(p + 8)) ^ Slice(table, LoadLittle32(p + 12));
     }
     for (; size > 0; size--) {
         c = c >> 8 ^ table[(c ^ *p++) & 255];
