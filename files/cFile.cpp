@@ -33,19 +33,6 @@ void cFile::Clear() {
     m_Name.Clear();
 }
 
-int cFile::ReadBytes(void* out, int size) const {
-    const int left = GetSize() - m_Position;
-    if (left < 1) {
-        return -1;
-    }
-    const int n = std::clamp(size, 0, left);
-    if (n > 0) {
-        std::memcpy(out, m_Bytes.Data() + m_Position, size_t(n));
-        m_Position += n;
-    }
-    return n;
-}
-
 bool cFile::ReadString(cStr* out, const char* delimiters) const {
     out->Clear();
     const int size = GetSize();
@@ -79,11 +66,17 @@ bool cFile::ReadVec3(cVec3* v) const {
     return ReadScalar(&v->x) && ReadScalar(&v->y) && ReadScalar(&v->z);
 }
 
-void cFile::WriteBytesSlow(const void* data, int size) {
+void cFile::WriteBytes(const void* data, int size) {
     if (!data || size < 1) {
         return;
     }
     const int count = GetSize();
+    if (m_Position == count && size <= m_Bytes.Capacity() - count) { // appending is the common case
+        m_Position = count + size;
+        m_Bytes.SetCount(m_Position);
+        std::memcpy(m_Bytes.Data() + count, data, size_t(size));
+        return;
+    }
     if (size > std::numeric_limits<int>::max() - count) {
         throw std::bad_array_new_length(); // what the list throws where its capacity would pass the range
     }

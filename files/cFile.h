@@ -6,6 +6,7 @@
 #include "foundation/cStr.h"
 
 #include <cstring>
+#include <utility>
 
 namespace trellis {
 
@@ -21,6 +22,19 @@ class cVec3;
 /// A file belongs to one thread.
 class cFile {
 public:
+    cFile() = default;
+    cFile(const cFile&) = default;
+    cFile& operator=(const cFile&) = default;
+    cFile(cFile&& other) noexcept
+        : m_Name(std::move(other.m_Name)), m_Bytes(std::move(other.m_Bytes)),
+          m_Position(std::exchange(other.m_Position, 0)) {}
+    cFile& operator=(cFile&& other) noexcept { // a swap, as of its members: the cursor goes with its bytes
+        std::swap(m_Name, other.m_Name);
+        std::swap(m_Bytes, other.m_Bytes);
+        std::swap(m_Position, other.m_Position);
+        return *this;
+    }
+
     /// Takes over the storage of `*bytes`, which is null afterwards, and rewinds.
     void Set(cList<unsigned char>* bytes, const char* name);
 
@@ -32,7 +46,18 @@ public:
     /// Reads what is left of `size` bytes.
     ///
     /// @return number of bytes read; -1 at the end of the file
-    int ReadBytes(void* out, int size) const;
+    int ReadBytes(void* out, int size) const {
+        const int left = m_Bytes.Count() - m_Position;
+        if (left < 1) {
+            return -1;
+        }
+        const int n = size < 0 ? 0 : size < left ? size : left;
+        if (n > 0) {
+            std::memcpy(out, m_Bytes.Data() + m_Position, size_t(n));
+            m_Position += n;
+        }
+        return n;
+    }
 
     /// Reads the token between runs of delimiters and steps over the one delimiter behind it.
     ///
@@ -51,16 +76,7 @@ public:
     bool ReadVec3(cVec3* v) const;
 
     /// Inserts at the cursor and advances it. The bytes may be bytes of this file.
-    void WriteBytes(const void* data, int size) {
-        const int end = m_Bytes.Count();
-        if (m_Position == end && data && size > 0 && size <= m_Bytes.Capacity() - end) [[likely]] {
-            m_Bytes.SetCount(end + size);
-            std::memcpy(m_Bytes.Data() + end, data, size_t(size));
-            m_Position = end + size;
-        } else {
-            WriteBytesSlow(data, size);
-        }
-    }
+    void WriteBytes(const void* data, int size);
 
     /// Overwrites from the cursor on, never growing the file.
     ///
@@ -68,10 +84,10 @@ public:
     int ReplaceBytes(const void* data, int size);
 
     void WriteString(const char* s); ///< Without the terminator; null writes nothing.
-    void WriteShort(short v) { WriteBytes(&v, sizeof(v)); }
-    void WriteWord(unsigned short v) { WriteBytes(&v, sizeof(v)); }
-    void WriteInt(int v) { WriteBytes(&v, sizeof(v)); }
-    void WriteFloat(float v) { WriteBytes(&v, sizeof(v)); }
+    void WriteShort(short v) { WriteScalar(v); }
+    void WriteWord(unsigned short v) { WriteScalar(v); }
+    void WriteInt(int v) { WriteScalar(v); }
+    void WriteFloat(float v) { WriteScalar(v); }
     void WriteVec3(const cVec3& v);
 
     int GetPos() const { return m_Position; }
@@ -95,7 +111,17 @@ private:
         m_Position += int(sizeof(T));
         return true;
     }
-    void WriteBytesSlow(const void* data, int size);
+    // Appending is the common case, and a constant size makes it two moves.
+    template <class T> void WriteScalar(T v) {
+        const int end = m_Bytes.Count();
+        if (m_Position == end && int(sizeof(T)) <= m_Bytes.Capacity() - end) [[likely]] {
+            m_Position = end + int(sizeof(T));
+            m_Bytes.SetCount(m_Position);
+            std::memcpy(m_Bytes.Data() + end, &v, sizeof(T));
+        } else {
+            WriteBytes(&v, sizeof(T));
+        }
+    }
 
     cStr m_Name;
     cList<unsigned char> m_Bytes;

@@ -49,7 +49,7 @@ static_assert(std::size(s_OutputDirectories) == 20);
 constexpr const char* s_UrlPrefixes[] = {"http://", "https://", "ftp://"};
 
 void ReadThisFilePathName() {
-    char target[512];
+    char target[512]; // a longer path is cut, as everybody who builds paths from it expects
     const ssize_t n = readlink(cStr::Format("/proc/%d/exe", int(getpid())), target, sizeof(target));
     if (n > 0) {
         cIO_ThisFilePathName.Copy(target, 0, int(n));

@@ -29,12 +29,13 @@ inline constinit cStr cIO_XmlDialogInitialPath;
 inline constinit cStr cIO_XmlDialogInitialFile;
 
 /// Paths are always told in terms of the read folder, which is the default source's. A relative path is relative to
-/// it; a path under it is redirected to the same place in the write folder, where there is one. Either slash will do,
-/// and null paths are answered with false or an empty text.
+/// it; a path under it is redirected to the same place in the write folder, where there is one. Either slash will do.
+/// A null path is an error to what loads, saves or removes, and elsewhere an empty one, which is the read folder.
 ///
-/// Every operation runs the set-up at its first use: that first call must come from the main thread. From then on
-/// files may be loaded, saved and removed on any thread, while nobody changes the sources or the write folder.
-/// Dialogs, clipboard and codec tables belong to the main thread.
+/// What touches files runs the set-up at its first use: that first call must come from the main thread. From then on
+/// files may be loaded, saved and removed on any thread, while nobody changes the sources or the write folder; with
+/// `warn` on only where nobody else writes to `cLog` at the time. Dialogs, clipboard and codec tables belong to the
+/// main thread.
 class cIO {
 public:
     /// A place that relative paths are looked up in.
@@ -128,7 +129,7 @@ public:
     /// A relative path goes through the sources in their order, until one has the file; in each, the write folder's
     /// copy of its folder comes first. A folder and a file of 2^31 bytes or more cannot be loaded.
     ///
-    /// @param out   empty on failure
+    /// @param out   empty on failure, but untouched for a null path
     /// @param warn  logs a warning when the file cannot be loaded; callers who only probe pass false
     static bool LoadFile(const char* path, cFile* out, bool warn = true);
 
@@ -189,7 +190,7 @@ public:
     static bool RemoveFile(const char* path);
 
     /// Removes all that is in a folder, and in the write folder's copy of it. Symbolic links inside are removed and not
-    /// followed. Null, empty and root paths are refused.
+    /// followed. Null and empty paths, the root of the disk, and the read folder by a relative name are refused.
     ///
     /// @param removeFolder  false only empties it
     /// @return true when there was such a folder and all that was to go has gone
@@ -210,7 +211,7 @@ public:
     static void SearchFolders(const char* pattern, cList<cStr>* out); ///< Always merges.
 
     /// The files of a folder, then those of each of its folders in turn; always merges. A wildcard counts in the first
-    /// folder only, and picks among its files and folders alike. A folder that links reach twice is listed once.
+    /// folder only, and picks among its files and folders alike. Links that lead back up end the walk there.
     ///
     /// @param extensions  as "dds;bmp", without regard to case; null or empty for all
     static void SearchFilesRecursive(const char* pattern, cList<cStr>* out);
@@ -246,14 +247,15 @@ public:
     /// @param command    a name is searched in PATH; a path may be relative to the read folder
     /// @param arguments  separated by blanks and tabs; double quotes hold them together, there is no escape. May be
     /// null.
-    /// @param output     may be null; gets standard output and error to their end, at most `MaxExecOutput` bytes
+    /// @param output     may be null; gets standard output and error to their end, at most `MaxExecOutput` bytes. With
+    ///                   it the wait lasts until everything that the program leaves running has closed them
     /// @return whether it could be started and ended with status 0
     static bool Exec(const char* command, const char* arguments = nullptr, cStr* output = nullptr);
 
     /// Replaces this process by a fresh copy of the program with the same arguments. Open descriptors are closed, the
     /// process id stays.
     ///
-    /// @return only on failure, and then false
+    /// @return only on failure, and then false; a program started later then inherits no descriptors
     static bool RestartThisApplication();
 
     static bool Explore(const char* path); ///< False without a host.

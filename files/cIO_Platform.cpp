@@ -193,6 +193,11 @@ void ReadCommandLine(cList<cStr>* words) {
     std::fclose(file);
 }
 
+bool IsSameItem(const char* a, const char* b) {
+    struct stat infoA, infoB;
+    return stat(a, &infoA) == 0 && stat(b, &infoB) == 0 && infoA.st_dev == infoB.st_dev && infoA.st_ino == infoB.st_ino;
+}
+
 void CloseDescriptorsOnExec() {
     if (DIR* folder = opendir("/proc/self/fd")) {
         while (const dirent* entry = readdir(folder)) {
@@ -233,10 +238,10 @@ void cIO_ListFolder(const char* folder, const char* wildcard, cIO::Items items, 
 }
 
 bool cIO::CreatePath(const char* path) {
-    if (!path || !*path) {
+    cStr folder = EnsureAbsolutePath(path);
+    if (!path || !*path || !PathIsAbsolute(folder)) {
         return false;
     }
-    cStr folder = EnsureAbsolutePath(path);
     if (!folder.GetFileExtension().IsEmpty()) {
         folder.RemoveFileName();
     }
@@ -251,14 +256,17 @@ bool cIO::CreatePath(const char* path) {
 }
 
 bool cIO::RemoveFile(const char* path) {
-    return RemoveBoth(EnsureAbsolutePath(path), RemoveFileItem);
+    const cStr file = EnsureAbsolutePath(path);
+    return PathIsAbsolute(file) && RemoveBoth(file, RemoveFileItem); // a URL would count from the working directory
 }
 
 bool cIO::RemoveFolder(const char* path, bool removeFolder) {
     cStr folder = EnsureAbsolutePath(path);
     cIO_TrimFolder(&folder);
-    if (!path || !*path || folder == "/") {
-        return false; // nobody means the whole data set, or disk, by a path that was left empty
+    // Nobody means the whole disk, or all of the program's data by a path such as "." or "~".
+    if (!path || !*path || !PathIsAbsolute(folder) || IsSameItem(folder, "/") ||
+        (!PathIsAbsolute(path) && IsSameItem(folder, GetDefaultSourceFolder()))) {
+        return false;
     }
     return RemoveBoth(folder, [removeFolder](const cStr& item) { return RemoveFolderItem(item, removeFolder); });
 }

@@ -51,6 +51,9 @@ void SearchPattern(const char* pattern, cIO::Items items, bool merge, cList<cStr
     cStr folder, wildcard;
     cIO_SplitPattern(pattern, &folder, &wildcard);
     out->Clear();
+    if (!cIO::PathIsAbsolute(folder)) {
+        return; // a URL: it would count from the working directory
+    }
     AppendItems(folder, wildcard, items, merge, out);
 }
 

@@ -43,7 +43,8 @@ template <class T> struct cList_Container {
     /// Makes a container of `capacity` >= 1 slots whose first `count` hold the values at `from`; the others are
     /// value-initialised (zero for plain types).
     ///
-    /// @param from  at least `count` elements, moved from when `move` is set, else copied; may be null with count 0
+    /// @param from  `count` elements, or null with count 0; copied, or moved from when `move` is set and a move cannot
+    ///              throw, so that a throw leaves them as they are
     static cList_Container* Create(int capacity, T* from, int count, bool move) {
         static_assert(alignof(T) <= sizeof(cList_Container), "elements stand directly behind the two words");
         std::unique_ptr<unsigned char[]> block(new unsigned char[BlockSize(capacity)]);
@@ -56,16 +57,18 @@ template <class T> struct cList_Container {
             block.release();
             return c;
         } else {
+            if constexpr (std::is_nothrow_move_constructible_v<T>) {
+                if (move) { // the fresh slots first: when one of them throws, nothing has been moved yet
+                    std::uninitialized_value_construct_n(c->Items() + count, capacity - count);
+                    std::uninitialized_move_n(from, count, c->Items());
+                    block.release();
+                    return c;
+                }
+            }
             std::uninitialized_value_construct_n(c->Items(), capacity);
             block.release();
             std::unique_ptr<cList_Container, void (*)(cList_Container*)> guard(c, DestroyUncounted);
-            for (int i = 0; i < count; i++) {
-                if (move) {
-                    c->Items()[i] = std::move(from[i]);
-                } else {
-                    c->Items()[i] = from[i];
-                }
-            }
+            std::copy_n(from, count, c->Items());
             return guard.release();
         }
     }
@@ -125,7 +128,7 @@ public:
     /// @return index of the last element, -1 when there is none
     int Add(const T& v, int count = 1) {
         Container* c = m_Container;
-        if (count == 1 && c && c->Count < c->Capacity) {
+        if (count == 1 && c && c->Count < c->Capacity) [[likely]] {
             const int index = c->Count;
             c->Items()[index] = v;
             c->Count = index + 1;
@@ -191,7 +194,8 @@ public:
         }
     }
 
-    /// Makes this list equal to `other`, reusing the block where it is large enough.
+    /// Makes this list equal to `other`, reusing the block where it is large enough. `other` must not belong to an
+    /// element of this list.
     void Copy(const cList& other) {
         if (this == &other) {
             return;
@@ -216,7 +220,9 @@ public:
 
     /// Sets the count, growing the list if needed. Slots that come into the count keep what they last held.
     void SetCount(int n) {
-        EnsureCapacity(n, false);
+        if (n > Capacity()) [[unlikely]] {
+            EnsureCapacity(n, false);
+        }
         if (m_Container) {
             m_Container->Count = n;
         }
@@ -298,7 +304,7 @@ private:
         return grown < 8 ? 8 : int(grown);
     }
 
-    Container* Reallocate(int capacity, int count, bool keepOld) {
+    [[gnu::noinline]] Container* Reallocate(int capacity, int count, bool keepOld) {
         Container* old = m_Container;
         m_Container = Container::Create(capacity, old ? old->Items() : nullptr, count, !keepOld);
         cList_Debug::AddContainers(1);
@@ -326,7 +332,10 @@ private:
         return Hold(old);
     }
 
-    [[gnu::noinline]] int AddSlow(const T& v, int count) {
+    // Small plain values go by value: the address would force each caller to keep its value in memory.
+    using SlowArg = std::conditional_t<std::is_trivially_copyable_v<T> && sizeof(T) <= 2 * sizeof(void*), T, const T&>;
+
+    [[gnu::noinline]] int AddSlow(SlowArg v, int count) {
         if (count > 0) {
             const Hold old = GrowFor(count, &v);
             std::fill_n(m_Container->Items() + m_Container->Count, count, v);

@@ -12,7 +12,7 @@ public:
     };
 
     /// One entry each, formatted as by printf and cut at 9998 bytes. Line ends inside become `EndLn`, and the entry
-    /// ends with exactly one. All but `Message` and `TimeMessage` take the splash screen down.
+    /// ends with one. All but `Message` and `TimeMessage` take the splash screen down.
     static void Message(const char* format, ...) __attribute__((format(printf, 1, 2)));
     static void Warning(const char* format, ...) __attribute__((format(printf, 1, 2)));
     static void Error(const char* format, ...) __attribute__((format(printf, 1, 2)));

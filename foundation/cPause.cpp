@@ -35,7 +35,7 @@ bool cPause::GetSystemPause() {
 
 void cPause::SetSystemPause(bool on) {
     const bool before = GetPause();
-    if (!on) {
+    if (!on && cPause_SystemPause) {
         cTimer::Acquire(); // while the flag still stands, so that the time of the pause is discarded
     }
     cPause_SystemPause = on;

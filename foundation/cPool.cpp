@@ -39,7 +39,8 @@ public:
 };
 
 void AddChunk(cPool_Bucket* bucket) {
-    bucket->FreeItems.EnsureCapacity(bucket->ItemsPerChunk, false); // both lists grow before the chunk can be lost
+    // Room for every block there is, so that giving one back never allocates: `Free` runs in destructors.
+    bucket->FreeItems.EnsureCapacity((bucket->Chunks.Count() + 1) * bucket->ItemsPerChunk, false);
     bucket->Chunks.EnsureCapacity(bucket->Chunks.Count() + 1, false);
     auto* chunk = new unsigned char[size_t(bucket->ItemsPerChunk) * bucket->ItemSize];
     bucket->Chunks.Add(chunk);

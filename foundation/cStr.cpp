@@ -101,7 +101,8 @@ public:
 char* cStr::GetSlotSlow() {
     const StoreLock lock;
     if (free_strings.IsEmpty()) {
-        free_strings.EnsureCapacity(SlotsPerBlock, false); // both lists grow before the block can be lost
+        // Room for every slot there is, so that giving one back never allocates: `freestr` runs in destructors.
+        free_strings.EnsureCapacity((pool.Count() + 1) * SlotsPerBlock, false);
         pool.EnsureCapacity(pool.Count() + 1, false);
         auto* block = new char[size_t(SlotSize) * SlotsPerBlock];
         for (int i = 0; i < SlotsPerBlock; i++) {
@@ -126,6 +127,9 @@ void cStr::TakeBackSlots(unsigned char** items, int count) {
 // Buffer
 
 void cStr::Resize(int n, bool keep) {
+    if (n > 0x7FFFFFFF - 31) {
+        throw std::bad_alloc(); // rounding up would pass the int
+    }
     const bool slot =
         !str && n < SlotSize; // a need of exactly 20 bytes goes to the pool, although a slot would hold it
     const int newCapacity = slot ? SlotSize : RoundUp(std::max(n, 1));
@@ -146,6 +150,20 @@ void cStr::Resize(int n, bool keep) {
 void cStr::Reserve(long long need, bool keep) {
     if (need > capacity) {
         Resize(int(std::min(need, 0x7FFFFFFFLL)), keep);
+    }
+}
+
+/// The first buffer, straight from the allocators, as most texts begin here.
+inline void cStr::ReserveFirst(int count) {
+    if (count < SlotSize - 1) {
+        str = getstr();
+        capacity = SlotSize;
+    } else if (count <= 0x7FFFFFFF - 32) {
+        const int newCapacity = RoundUp(count + 1);
+        str = reinterpret_cast<char*>(cPool::Alloc(newCapacity));
+        capacity = newCapacity;
+    } else {
+        throw std::bad_alloc(); // lengths are ints
     }
 }
 
@@ -203,7 +221,11 @@ void cStr::Copy(const char* s, int start, int count) {
         length = count;
         return;
     }
-    Reserve(1LL + count, false);
+    if (!str) {
+        ReserveFirst(count);
+    } else {
+        Reserve(1LL + count, false);
+    }
     std::memcpy(str, s + start, size_t(count));
     str[count] = 0;
     length = count;
@@ -217,6 +239,19 @@ void cStr::Append(const char* s) {
 
 void cStr::Append(const char* s, int start, int count) {
     if (!s || count < 0) {
+        return;
+    }
+    if (1LL + length + count <= capacity) [[likely]] {
+        std::memmove(str + length, s + start, size_t(count));
+        length += count;
+        str[length] = 0;
+        return;
+    }
+    if (!str) {
+        ReserveFirst(count);
+        std::memcpy(str, s + start, size_t(count));
+        length = count;
+        str[count] = 0;
         return;
     }
     const ptrdiff_t own = Owns(s) ? s - str : -1; // the buffer may move

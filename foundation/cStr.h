@@ -258,6 +258,7 @@ private:
         }
     }
     void InitCopy(const cStr& other);
+    void ReserveFirst(int count);
     void Reserve(long long need, bool keep);
     char* OpenGap(int index, int count);
     bool Owns(const char* s) const { return str && !std::less<>()(s, str) && !std::less<>()(str + length, s); }

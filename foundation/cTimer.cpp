@@ -43,7 +43,7 @@ constinit Shared cTimer_SystemTimeSec = 0;
 constinit double cTimer_DoubleSystemTimeSec = 0;
 constinit Shared cTimer_SystemFrameTimeSec = 0;
 constinit double cTimer_ClockTimeSecPreviousQuery = 0; // 0: none yet
-constinit Shared cTimer_TimeScale = 1;
+constinit float& cTimer_TimeScale = cTimer::TimeScale;
 constinit int cTimer_FpsCycleFrame = -1; // -1: before the first
 constinit double cTimer_FpsCycleStartTimeSec = 0;
 constinit double cTimer_FpsCyclePrevTimeSec = 0;
@@ -73,6 +73,8 @@ void CountFrame(double t) {
 }
 
 } // namespace
+
+constinit float cTimer::TimeScale = 1;
 
 cTimer::cTimer(int samplesPerAverage) : SamplesPerAverage(std::max(samplesPerAverage, 1)) {}
 
@@ -181,14 +183,17 @@ double cTimer::AcquireClockSeconds() {
 }
 
 unsigned int cTimer::AcquireClockTicks() {
-    const double now = AcquireClockSeconds();
-    static const double first = now;
-    return (unsigned int)(long long)((now - first) * 1000.0);
+    timeval t;
+    gettimeofday(&t, nullptr);
+    const long long now = t.tv_sec * 1000000LL + t.tv_usec; // whole microseconds: doubles would lose the last tick
+    static const long long first = now;
+    return (unsigned int)((now - first) / 1000);
 }
 
 void cTimer::AcquireDateTime(cStr* date, cStr* time) {
     const time_t now = ::time(nullptr);
     tm local = {};
+    tzset(); // localtime_r alone would keep the zone of its first call
     localtime_r(&now, &local);
 
     time->Clear();

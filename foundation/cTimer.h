@@ -42,6 +42,9 @@ public:
     static float GetFramesPerSecond(); ///< Over the last full cycle of 100 frames; 0 before the first.
     static float GetTimeScale();
 
+    /// Multiplier on all elapsed time; a negative one stops it. Set by the thread that calls `Acquire`.
+    static float TimeScale;
+
     static const cStr& GetLocalDate(); ///< As "Monday, 05 January 2026"; rewritten by the next `Acquire`.
     static const cStr& GetLocalTime(); ///< As "14:03:22"; rewritten by the next `Acquire`.
 

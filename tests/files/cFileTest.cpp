@@ -200,6 +200,16 @@ TEST(cFile, SetTakesTheStorageOver) {
     EXPECT_STREQ(file.GetName(), "");
 }
 
+TEST(cFile, MovedFromIsEmptyAndUsable) {
+    cFile a = FileOf("old");
+    a.SetPos(3);
+    const cFile b = std::move(a);
+    EXPECT_EQ(b.GetPos(), 3);
+    EXPECT_EQ(a.GetPos(), 0);
+    a.WriteInt(2);
+    EXPECT_EQ(a.GetSize(), 4);
+}
+
 TEST(cFile, GrowthBySetPosIsZeroWhereOldBytesWere) {
     cFile file = FileOf("abcdefgh");
     file.Clear();

@@ -88,9 +88,10 @@ TEST_F(cIO_Platform, FolderRemovalStaysInside) {
 
     Source()->SetPath(Read("root").c_str());
     Put(Read("root/data"));
-    for (const char* path : {static_cast<const char*>(nullptr), ""}) {
+    for (const char* path : {static_cast<const char*>(nullptr), "", ".", "~", "/.", "/x/..", "http://x/y"}) {
         EXPECT_FALSE(cIO::RemoveFolder(path, true));
     }
+    EXPECT_FALSE(cIO::CreatePath("http://x/y/")); // not a folder "http:" wherever the program was started
     EXPECT_FALSE(cIO::RemoveFolder((Read("near")).c_str(), true)); // a file
     EXPECT_TRUE(fs::exists(Read("root/data")) && fs::exists(Read("near")));
 }

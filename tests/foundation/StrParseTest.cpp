@@ -104,6 +104,7 @@ TEST(StrParse, ToFloat) {
         {"1.5.5", true, 1.5f},
         {"0.1", true, 0.1f},
         {"2d2", true, 200},
+        {"33581335", true, 33581332}, // rounded at each digit; at once it would be 33581336
         {"2D2", true, 200},
         {"2e+2", true, 200},
         {"2E-2", true, 0.02f},
@@ -246,6 +247,7 @@ constexpr PathEdit s_PathEdits[] = {
     {"takes the dot along", SetExtension, "f.y", ".z", "f.z"},
     {"dot of a folder", SetExtension, "a.b/f", "z", "a.b/f.z"},
     {"default over one", SetDefaultExtension, "f.y", "z", "f.y"},
+    {"default over a bare dot", SetDefaultExtension, "f.", "z", "f.z"},
     {"default over none", SetDefaultExtension, "a.b/f", ".z", "a.b/f.z"},
     {"another path", SetPath, "a/b/f.x", "p/q", "p/q\\f.x"},
     {"another path with its slash", SetPath, "f.x", "p/", "p/f.x"},

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <utility>
 
 using namespace trellis;
 
@@ -24,6 +25,7 @@ TEST(Str, ANewOneOwnsNothingAndReadsEmpty) {
     EXPECT_STREQ(s, "");
     EXPECT_EQ(s.Text(), &cStr::def_str);
     EXPECT_EQ(s.Capacity() + s.Length(), 0);
+    EXPECT_EQ(std::as_const(s)[0], '\0');
     s.Clear();
     s.Copy(nullptr);
     s.TrimEnd(" ");
@@ -104,6 +106,7 @@ TEST(Str, AHeapThatRefusesLeavesTheText) {
             EXPECT_THROW(s.Append('y', 2000), std::bad_alloc);
             EXPECT_THROW(s.Resize(2000, true), std::bad_alloc);
             EXPECT_THROW(s.SetLength(2000, 'z'), std::bad_alloc);
+            EXPECT_THROW(s.SetLength(0x7FFFFFFF, 'z'), std::bad_alloc) << "lengths are ints";
         }
         EXPECT_EQ(s.Capacity(), capacity) << "it says where the buffer goes back to";
         EXPECT_EQ(Bytes(s), std::string(size_t(length), 'x'));
@@ -266,6 +269,9 @@ TEST(Str, Replace) {
     EXPECT_EQ(std::memcmp(partial.Text(), "xbxb\0a", 7), 0) << "the tail is there but for its first byte";
     cStr nothing;
     EXPECT_EQ(nothing.Replace("a", "b"), 0);
+    EXPECT_EQ(partial.Replace("x", "y", 0, -1), 0) << "a count below 1 is no range, not the whole of it";
+    nothing.Append("");
+    EXPECT_EQ(nothing.Capacity(), 20) << "a need of 1 takes a slot";
 }
 
 TEST(Str, ReplaceVariants) {

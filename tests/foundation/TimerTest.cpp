@@ -55,6 +55,18 @@ TEST_F(Timer, FirstFrameTakesNoTime) {
     EXPECT_EQ(cTimer::GetFrameTimeSec() + cTimer::GetTimeSec(), 0) << "the accumulators start afresh as well";
 }
 
+TEST_F(Timer, ScaleMultipliesAllElapsedTime) {
+    Frame(0);
+    cTimer::TimeScale = 2;
+    Frame(500'000);
+    EXPECT_FLOAT_EQ(cTimer::GetTimeSec(), 1);
+    EXPECT_FLOAT_EQ(cTimer::GetSystemTimeSec(), 1);
+    cTimer::TimeScale = -1;
+    Frame(500'000);
+    EXPECT_FLOAT_EQ(cTimer::GetTimeSec(), 1);
+    cTimer::TimeScale = 1;
+}
+
 TEST_F(Timer, ClockSetBackGivesNoStepAndTimeResumes) {
     Frame(0);
     Frame(1'000'000);
