@@ -4,7 +4,10 @@
 #include "math/cVec3.h"
 
 #include <algorithm>
+#include <cassert>
+#include <climits>
 #include <cstdlib>
+#include <memory>
 
 namespace trellis {
 
@@ -22,9 +25,10 @@ void cHash::Init(int hashSize_, int indexSize_) {
 
 void cHash::Allocate(int hashSize_, int indexSize_) {
     Free();
-    hash = new int[size_t(hashSize_)];
-    std::fill_n(hash, hashSize_, -1);
+    std::unique_ptr<int[]> heads(new int[size_t(hashSize_)]);
     indexChain = new int[size_t(indexSize_)];
+    hash = heads.release();
+    std::fill_n(hash, hashSize_, -1);
     std::fill_n(indexChain, indexSize_, -1);
     hashSize = hashSize_;
     indexSize = indexSize_;
@@ -48,6 +52,7 @@ void cHash::ResizeIndex(int n) {
     if (n <= indexSize) {
         return;
     }
+    assert(n <= INT_MAX - granularity);
     const int rounded = (n + granularity - 1) / granularity * granularity;
     if (indexChain != INVALID_INDEX) {
         int* larger = new int[size_t(rounded)];
@@ -59,6 +64,7 @@ void cHash::ResizeIndex(int n) {
 }
 
 void cHash::Add(int key, int index) {
+    assert(index >= 0 && index < INT_MAX);
     ResizeIndex(index + 1);
     if (hash == INVALID_INDEX) {
         Allocate(hashSize, indexSize);

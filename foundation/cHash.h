@@ -32,10 +32,11 @@ public:
     int First(int key) const { return hash[key & hashMask & lookupMask]; } ///< -1 for none.
     int Next(int index) const { return indexChain[index & lookupMask]; }   ///< -1 at the end.
 
-    /// How even the chains are, from 100 (perfect) down; a deviation of one entry from the average is free.
+    /// How even the chains are, from 100 (perfect) down, below 0 where crowded chains outweigh the total. A deviation
+    /// of one entry from the average is free.
     int CalcSpread() const;
 
-    /// Sum of signed bytes times 119, 120, ...; in [0, hash size).
+    /// Sum of signed bytes times 119, 120, ...; in [0, hash size). Stored keys depend on both numbers and on the sign.
     int GenerateKey(const char* s, bool noCase) const;
     int GenerateKey(const cVec3& v) const; ///< Of the truncated coordinates, so that neighbours share a key.
 

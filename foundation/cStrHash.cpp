@@ -16,15 +16,16 @@ int cStrHash::Find(const char* name) const {
     }
     int low = 0;
     int high = m_Names.Count();
-    while (low < high) {
+    while (low < high) { // lower bound: of equal names the first answers
         const int middle = low + (high - low) / 2;
-        const int order = cStr::Compare(m_Names[middle].Name.Text(), name);
-        if (order == 0) {
-            return m_Names[middle].Index;
+        if (cStr::Compare(m_Names[middle].Name.Text(), name) < 0) {
+            low = middle + 1;
+        } else {
+            high = middle;
         }
-        (order < 0 ? low : high) = order < 0 ? middle + 1 : middle;
     }
-    return -1;
+    const bool found = low < m_Names.Count() && cStr::Compare(m_Names[low].Name.Text(), name) == 0;
+    return found ? m_Names[low].Index : -1;
 }
 
 } // namespace trellis

@@ -19,7 +19,7 @@ public:
     /// Enters a name and sorts the whole list. A null name is ignored.
     void Add(const char* name, int index);
 
-    /// @return the index of the name, one of them when it was entered more than once; -1 for none
+    /// @return the index of the name, the first in the sorted list when it was entered more than once; -1 for none
     int Find(const char* name) const;
 
     void Free() { m_Names.Free(); }

@@ -8,7 +8,7 @@ namespace trellis {
 
 namespace {
 
-/// Depth range of the perspective projections: rows 2 and 3 of the third column.
+/// A perspective projection; `m10` and `m14`, in the third column, set the range of its depth.
 cMat4 MakePerspective(float fovY, float aspect, float m10, float m14) {
     const float t = std::tan(fovY * 0.5f * cMath::RadsPerDeg);
     return {1.0f / (aspect * t), 0, 0, 0, 0, 1.0f / t, 0, 0, 0, 0, m10, -1, 0, 0, m14, 0};
@@ -197,6 +197,11 @@ __m128 Minor(__m128 upperI, __m128 lowerI, __m128 upperJ, __m128 lowerJ) {
     return _mm_sub_ps(_mm_mul_ps(upperI, lowerJ), _mm_mul_ps(lowerI, upperJ));
 }
 
+/// A column with its rows in that order.
+template <int A, int B, int C, int D> __m128 Rows(__m128 column) {
+    return _mm_shuffle_ps(column, column, _MM_SHUFFLE(D, C, B, A));
+}
+
 __m128 Expand(__m128 a, __m128 minorA, __m128 b, __m128 minorB, __m128 c, __m128 minorC) {
     return _mm_add_ps(_mm_sub_ps(_mm_mul_ps(a, minorA), _mm_mul_ps(b, minorB)), _mm_mul_ps(c, minorC));
 }
@@ -206,16 +211,14 @@ __m128 Expand(__m128 a, __m128 minorA, __m128 b, __m128 minorB, __m128 c, __m128
 bool cMat4::Invert(const cMat4& a, cMat4* out) {
     __m128 c0 = _mm_loadu_ps(a.m), c1 = _mm_loadu_ps(a.m + 4), c2 = _mm_loadu_ps(a.m + 8), c3 = _mm_loadu_ps(a.m + 12);
     _MM_TRANSPOSE4_PS(c0, c1, c2, c3);
-#define TRELLIS_ROWS(column, r0, r1, r2, r3) _mm_shuffle_ps(column, column, _MM_SHUFFLE(r3, r2, r1, r0))
-    const __m128 u0 = TRELLIS_ROWS(c0, 2, 2, 0, 0), l0 = TRELLIS_ROWS(c0, 3, 3, 1, 1);
-    const __m128 u1 = TRELLIS_ROWS(c1, 2, 2, 0, 0), l1 = TRELLIS_ROWS(c1, 3, 3, 1, 1);
-    const __m128 u2 = TRELLIS_ROWS(c2, 2, 2, 0, 0), l2 = TRELLIS_ROWS(c2, 3, 3, 1, 1);
-    const __m128 u3 = TRELLIS_ROWS(c3, 2, 2, 0, 0), l3 = TRELLIS_ROWS(c3, 3, 3, 1, 1);
+    const __m128 u0 = Rows<2, 2, 0, 0>(c0), l0 = Rows<3, 3, 1, 1>(c0);
+    const __m128 u1 = Rows<2, 2, 0, 0>(c1), l1 = Rows<3, 3, 1, 1>(c1);
+    const __m128 u2 = Rows<2, 2, 0, 0>(c2), l2 = Rows<3, 3, 1, 1>(c2);
+    const __m128 u3 = Rows<2, 2, 0, 0>(c3), l3 = Rows<3, 3, 1, 1>(c3);
     const __m128 m0 = Minor(u0, l0, u1, l1), m1 = Minor(u0, l0, u2, l2), m2 = Minor(u0, l0, u3, l3);
     const __m128 m3 = Minor(u1, l1, u2, l2), m4 = Minor(u1, l1, u3, l3), m5 = Minor(u2, l2, u3, l3);
-    const __m128 e0 = TRELLIS_ROWS(c0, 1, 0, 3, 2), e1 = TRELLIS_ROWS(c1, 1, 0, 3, 2);
-    const __m128 e2 = TRELLIS_ROWS(c2, 1, 0, 3, 2), e3 = TRELLIS_ROWS(c3, 1, 0, 3, 2);
-#undef TRELLIS_ROWS
+    const __m128 e0 = Rows<1, 0, 3, 2>(c0), e1 = Rows<1, 0, 3, 2>(c1);
+    const __m128 e2 = Rows<1, 0, 3, 2>(c2), e3 = Rows<1, 0, 3, 2>(c3);
     const __m128 row0 = Expand(e1, m5, e2, m4, e3, m3);
     const __m128 row1 = Expand(e0, m5, e2, m2, e3, m1);
     const __m128 row2 = Expand(e0, m4, e1, m2, e3, m0);

@@ -100,8 +100,9 @@ public:
 
     /// One face of a cube map seen from `eye`: 90 degrees, aspect 1, near plane 0.01.
     ///
-    /// @param face  in [0, 5]: +X, -X, +Y, -Y, +Z, -Z
-    /// @param gl    selects one of two tables of orientations
+    /// @param face  in [0, 5]
+    /// @param gl    true: the faces look along +X, -X, +Y, -Y, +Z, -Z. False: each looks the opposite way, for devices
+    ///              with left-handed cube maps
     static cMat4 CubeViewProjection(const cVec3& eye, int face, float zFar, bool gl);
 
     /// Cofactors over determinant. `out` may be `a`.

@@ -79,7 +79,8 @@ float cMath::Normalize360(float degrees) {
         return degrees;
     }
     const float wrapped = degrees - std::floor(degrees / 360) * 360;
-    return wrapped >= 360 ? 0 : wrapped; // a tiny negative angle rounds up to the full turn
+    // A tiny negative angle rounds up to the full turn, and a huge one has lost what is left of its last turn.
+    return wrapped < 0 || wrapped >= 360 ? 0 : wrapped;
 }
 
 float cMath::Normalize180(float degrees) {

@@ -14,7 +14,8 @@ public:
     static constexpr float HalfPi = 1.5707964f;
     static constexpr float QuarterPi = 0.7853982f;
     static constexpr float RadsPerDeg = 0.017453292f;
-    static constexpr float DegsPerRad = 57.295776f;
+    static constexpr float DegsPerRad =
+        57.295776f; ///< One step below the nearest float; stored angles were made with it.
     static constexpr float SecsPerMs = 0.001f;
     static constexpr float MsPerSec = 1000.0f;
     static constexpr float Epsilon = 0.001f;

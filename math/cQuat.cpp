@@ -25,7 +25,7 @@ cAngles cQuat::ToAngles() const {
 
 cMat3 cQuat::ToMat3() const {
     const float lengthSq = LengthSq();
-    const float s = lengthSq > 0 ? 2.0f / lengthSq : 0;
+    const float s = lengthSq >= cMath::FloatMinValue ? 2.0f / lengthSq : 0;
     const float xx = x * x * s, yy = y * y * s, zz = z * z * s;
     const float xy = x * y * s, xz = x * z * s, yz = y * z * s;
     const float wx = w * x * s, wy = w * y * s, wz = w * z * s;

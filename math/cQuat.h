@@ -38,18 +38,19 @@ public:
     friend constexpr cQuat& operator*=(cQuat& a, const cQuat& b) { return a = a * b; }
 
     constexpr cQuat Conjugate() const { return {-x, -y, -z, w}; }
-    static constexpr cQuat Invert(const cQuat& q) { ///< The zero quaternion has none and stays zero.
+    static constexpr cQuat Invert(const cQuat& q) { ///< The zero quaternion has none and stays as it is.
         const float lengthSq = q.LengthSq();
-        return lengthSq > 0 ? q.Conjugate() / lengthSq : q;
+        return lengthSq >= cMath::FloatMinValue ? q.Conjugate() / lengthSq : q;
     }
     static cVec3 Rotate(const cVec3& v, const cQuat& q); ///< q v q*, for a unit quaternion.
 
     cAngles ToAngles() const;
-    cMat3 ToMat3() const; ///< Scales by 2 / squared length, so any length but 0 will do; 0 gives the identity.
+    cMat3
+    ToMat3() const; ///< Scales by 2 / squared length, so any length will do; below about 1e-19 it is the identity.
     cMat4 ToMat4() const;
     cRotation ToRotation() const; ///< Angle in [0, 360] and axis; about the X axis when there is no rotation.
 
-    /// Unit axis times the half angle acos(w), in radians.
+    /// Unit axis times the half angle acos(w), in radians: half of `cRotation`'s, being the logarithm.
     cVec3 ToAngularVelocity() const;
 
     /// Component by component, normalised; with `shortest` the end is negated when it lies on the far side.
@@ -70,8 +71,8 @@ public:
     /// @param b  the inner point ahead of `q`
     static cQuat Squad(const cQuat& p, const cQuat& a, const cQuat& b, const cQuat& q, float t);
 
-    /// Inner point at `current` for a curve through three unit quaternions: q exp(-(ln(q* next) + ln(q* previous)) /
-    /// 4).
+    /// Inner point at `current` for a curve through three unit quaternions: q exp(-(ln(q* n) + ln(q* p)) / 4), with n
+    /// the next and p the previous one. Neighbours lie on one side: their dot products are not below 0.
     static cQuat SquadSetup(const cQuat& previous, const cQuat& current, const cQuat& next);
 
     friend constexpr bool operator==(const cQuat& a, const cQuat& b) = default;

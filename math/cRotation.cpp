@@ -6,11 +6,11 @@
 namespace trellis {
 
 void cRotation::Normalize360() {
-    Set(origin, axis, cMath::Normalize360(angle));
+    *this = cRotation(origin, axis, cMath::Normalize360(angle));
 }
 
 void cRotation::Normalize180() {
-    Set(origin, axis, cMath::Normalize180(angle));
+    *this = cRotation(origin, axis, cMath::Normalize180(angle));
 }
 
 const cMat3& cRotation::ToMat3() const {

@@ -11,11 +11,6 @@ public:
     cRotation() : cRotation(cVec3::Zero, cVec3::AxisX, 0) {}
     cRotation(const cVec3& origin_, const cVec3& axis_, float angle_) : origin(origin_), axis(axis_), angle(angle_) {}
 
-    void Set(const cVec3& origin_, const cVec3& axis_, float angle_) { *this = cRotation(origin_, axis_, angle_); }
-    const cVec3& GetOrigin() const { return origin; }
-    const cVec3& GetAxis() const { return axis; }
-    float GetAngle() const { return angle; }
-
     void Normalize360(); ///< The angle into [0, 360).
     void Normalize180(); ///< The angle into (-180, 180].
 
@@ -25,10 +20,9 @@ public:
     cQuat ToQuat() const;
     cVec3 ToAngularVelocity() const { return axis * (angle * cMath::RadsPerDeg); } ///< Radians.
 
-private:
     cVec3 origin;
-    cVec3 axis;  // of unit length
-    float angle; // degrees
+    cVec3 axis;  ///< Of unit length. Whoever changes it or the angle sets `matValid` to false.
+    float angle; ///< Degrees.
     mutable cMat3 mat = cMat3::Zero;
     mutable bool matValid = false;
 };

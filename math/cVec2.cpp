@@ -34,8 +34,7 @@ bool cVec2::SegIntersection(const cVec2& a0, const cVec2& a1, const cVec2& b0, c
 }
 
 cVec2 cVec2::RandRange1() {
-    const float x = cMath::RandRange1(); // one after the other: the order of arguments is the compiler's
-    return {x, cMath::RandRange1()};
+    return {cMath::RandRange1(), cMath::RandRange1()}; // braces: from left to right
 }
 
 cVec2 cVec2::RandNormal() {

@@ -197,9 +197,7 @@ bool cVec3::PointInTriangle(const cVec3& p, const cVec3& a, const cVec3& b, cons
 }
 
 cVec3 cVec3::RandRange1() {
-    const float x = cMath::RandRange1(); // one after the other: the order of arguments is the compiler's
-    const float y = cMath::RandRange1();
-    return {x, y, cMath::RandRange1()};
+    return {cMath::RandRange1(), cMath::RandRange1(), cMath::RandRange1()}; // braces: from left to right
 }
 
 cVec3 cVec3::RandNormal() {

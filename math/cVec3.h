@@ -48,7 +48,7 @@ public:
     cVec3 ToPerp() const; ///< The first of those.
 
     /// Makes a normal that stands along an axis exactly so: with two components exactly 0 the third becomes +1 or -1,
-    /// with one exactly +1 or -1 the others become 0. @return whether anything changed
+    /// with one exactly +1 or -1 the others become 0. A zero vector becomes `AxisX`. @return whether anything changed
     bool FixDegenerateNormal();
 
     /// Snaps components up to 0.001 to 0, and those within 0.001 of +1 or -1 to it. @return whether anything changed

@@ -102,6 +102,11 @@ TEST(Hash, SpreadForgivesADeviationOfOne) {
         hash.Add(0, i);
     }
     EXPECT_EQ(hash.CalcSpread(), 100 - (9 + 2 + 2 + 3) * 100 / 16); // 14 1 1 0 around 4
+    cHash crowded(4, 64);
+    for (int i = 0; i < 12; i++) {
+        crowded.Add(0, i);
+    }
+    EXPECT_EQ(crowded.CalcSpread(), 100 - (8 + 2 + 2 + 2) * 100 / 12) << "below 0";
 }
 
 TEST(Hash, Keys) {
@@ -128,6 +133,15 @@ TEST(StrHash, KeepsNamesSorted) {
     }
     EXPECT_STREQ(names.GetNames()[0].Name, "\xC3\xA4pfel") << "bytes from 128 on sort below ASCII";
     EXPECT_STREQ(names.GetNames()[1].Name, "Apple");
+    for (int i = 0; i < 3; i++) {
+        names.Add("twin", i);
+    }
+    const cList<cStrHash::NameIndex>& all = names.GetNames();
+    int first = 0;
+    while (cStr::Compare(all[first].Name.Text(), "twin") != 0) {
+        first++;
+    }
+    EXPECT_EQ(names.Find("twin"), all[first].Index) << "the first in the list";
     EXPECT_EQ(names.Find("figs"), -1);
     EXPECT_EQ(names.Find(""), -1);
     EXPECT_EQ(names.Find(nullptr), -1);

@@ -11,6 +11,8 @@
 namespace trellis {
 namespace {
 
+static_assert(cMath::DegsPerRad == 0x1.ca5dcp+5f); // the nearest float to 180 / pi is 0x1.ca5dc2p+5
+
 TEST(Math, ChecksumHasItsOwnPolynomial) {
     EXPECT_EQ(cMath::Checksum("123456789", 9), 0x960DE1BCu);
     EXPECT_EQ(cMath::Checksum("", 0), 0u);

@@ -126,15 +126,16 @@ TEST(Rotation, QuaternionOfAnUnevenMatrixIsThatOfItsFrame) {
     EXPECT_TRUE(Near((cMat3::Scaling(3, 0.5f, 7) * frame).ToQuat(), frame.ToQuat()));
     EXPECT_EQ(cMat3::Zero.ToQuat(), cQuat(0.5f, 0, 0, 0)); // by the letter of the largest diagonal element
     EXPECT_EQ(cQuat::Zero.ToMat3(), cMat3::Identity);
+    EXPECT_EQ(cQuat(0, 0, 0, 1e-20f).ToMat3(), cMat3::Identity);
     EXPECT_TRUE(Near((frame.ToQuat() * 5.0f).ToMat3(), frame)) << "any length will do";
 }
 
 TEST(Rotation, NormalizedRanges) {
     constexpr struct {
         float In, To360, To180;
-    } cases[] = {
-        {-10, 350, -10},         {190, 190, -170}, {180, 180, 180}, {-180, 180, 180}, {360, 0, 0},
-        {359.5f, 359.5f, -0.5f}, {0, 0, 0},        {725, 5, 5},     {-1e-9f, 0, 0}}; // the last rounds to a full turn
+    } cases[] = {{-10, 350, -10}, {190, 190, -170},        {180, 180, 180}, {-180, 180, 180},
+                 {360, 0, 0},     {359.5f, 359.5f, -0.5f}, {0, 0, 0},       {725, 5, 5},
+                 {-1e-9f, 0, 0},  {-1.71224397e9f, 0, 0}}; // the last two round out of the range
     for (const auto& c : cases) {
         SCOPED_TRACE(c.In);
         cAngles a(c.In, c.In, c.In), b = a;
@@ -144,9 +145,11 @@ TEST(Rotation, NormalizedRanges) {
         EXPECT_EQ(b, cAngles(c.To180, c.To180, c.To180));
         cRotation r(cVec3::Zero, cVec3::AxisY, c.In);
         r.Normalize360();
-        EXPECT_EQ(r.GetAngle(), c.To360);
+        EXPECT_EQ(r.angle, c.To360);
+        r.ToMat3();
         r.Normalize180();
-        EXPECT_EQ(r.GetAngle(), c.To180);
+        EXPECT_FALSE(r.matValid);
+        EXPECT_EQ(r.angle, c.To180);
     }
 }
 

@@ -67,6 +67,7 @@ TEST(Vector, SnappingOfNormals) {
         bool DenormalChanged;
     } cases[] = {
         {"two zeros", {0, 0, -0.3f}, {0, 0, -1}, true, {0, 0, -0.3f}, false},
+        {"no direction", {0, 0, 0}, {1, 0, 0}, true, {0, 0, 0}, false},
         {"a unit component", {0.2f, 1, -0.1f}, {0, 1, 0}, true, {0.2f, 1, -0.1f}, false},
         {"an axis already", {-1, 0, 0}, {-1, 0, 0}, false, {-1, 0, 0}, false},
         {"nothing exact", {0.6f, 0.8f, 0.0005f}, {0.6f, 0.8f, 0.0005f}, false, {0.6f, 0.8f, 0}, true},
