@@ -28,7 +28,7 @@ public:
         }
     }
 
-    /// @param format  begins with "%d." for the number of the operation
+    /// @param format  begins with "." and the step; the number of the operation goes in front of it
     void Step(const char* format, ...) __attribute__((format(printf, 2, 3))) {
         if (!m_On) {
             return;
@@ -74,9 +74,10 @@ int CSocket::Open(int domain, int type, int protocol) {
 int CSocket::Accept(int sockfd, sockaddr* addr, unsigned int* addrlen) {
     Trace trace;
     const auto shownAddr = unsigned(reinterpret_cast<uintptr_t>(addr));
-    trace.Step(".1 | CSocket::Accept(%d, %X, %d)", sockfd, shownAddr, int(*addrlen));
+    const auto shownLength = [addrlen] { return addrlen ? int(*addrlen) : 0; };
+    trace.Step(".1 | CSocket::Accept(%d, %X, %d)", sockfd, shownAddr, shownLength());
     const int sock = accept(sockfd, addr, addrlen);
-    trace.Step(".2 | %d = accept(%d, %X, %d)", sock, sockfd, shownAddr, int(*addrlen));
+    trace.Step(".2 | %d = accept(%d, %X, %d)", sock, sockfd, shownAddr, shownLength());
     return Register(sock, &trace);
 }
 

@@ -12,6 +12,7 @@
 #include "foundation/cMain.h"
 #include "foundation/cThread.h"
 #include "foundation/cTimer.h"
+#include "math/cMath.h"
 
 #include <netdb.h>
 #include <sys/socket.h>
@@ -39,11 +40,6 @@ const char* const Halyard_RestartServerMsg = "Please restart Marigold halyard in
 /// Roster size when the last acknowledgement was sent. Not guarded: two connections at once may log a change twice or
 /// not at all.
 std::atomic<int> PrevClientCount{0};
-
-/// As the target's conversion does it: whatever an int cannot hold is INT_MIN.
-int TruncateToInt(float v) {
-    return v >= -2147483648.0f && v < 2147483648.0f ? int(v) : INT_MIN;
-}
 
 /// As the target's strtol in base 10: beyond 32 bits it saturates.
 int ToPort(const char* text) {
@@ -86,7 +82,8 @@ struct Peer {
 void Refresh(unsigned int id, const Peer& peer) {
     const cMutexLock lock(TM);
     const cStr joined = Halyard_AcquireDateTime();
-    const int now = TruncateToInt(cTimer::GetTimeMs());
+    // INT_MIN from 2^31 ms on: after 24.8 days of uptime an entry lives from one sweep to the next.
+    const int now = cMath::TruncateToInt(cTimer::GetTimeMs());
     const int index = FindClient(id);
     if (index >= 0) {
         Clients[index].LastSeen = now;
@@ -215,6 +212,8 @@ void Halyard_HandleClientRequest(int sock, const char* request) {
 void Halyard_ListClients(cStr* out) {
     const cMutexLock lock(TM);
     out->Clear();
+    out->Resize(cMain_Title.Length() + 8 + Clients.Count() * int(sizeof(ClientRecord)),
+                false); // growth goes by 32 bytes
     out->Append(cMain_Title);
     out->Append(cLog::EndLn);
     for (const ClientRecord& client : Clients) {
@@ -232,7 +231,10 @@ int Halyard_GetPort() {
 void Halyard_OnEnterPort(int value) {
     port = value;
     const cStr text = cStr::ToString(&value);
-    cIO::SaveFile(PortFile, text.Text(), unsigned(text.Length()), false, true);
+    {
+        const cMutexLock lock(Halyard_Log::s_Mutex); // a failure warns through cLog, as those of the log file do
+        cIO::SaveFile(PortFile, text.Text(), unsigned(text.Length()), false, true);
+    }
     Halyard_Message(cStr::Format("Entered port is %d", value));
     Halyard_Message(Halyard_RestartServerMsg);
 }

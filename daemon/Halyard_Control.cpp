@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -67,7 +69,7 @@ void Halyard_ClientSignalHandler(int, siginfo_t* info, void*) {
         (void)!std::fread(text.Data(), 1, size_t(n), file);
     }
     std::fclose(file);
-    // The listing itself is the format: scripts of administrators write "%%" for a percent sign in a host's name.
+    // The listing itself is the format: what reads our output relies on "%%" showing as one "%".
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 #pragma GCC diagnostic ignored "-Wformat-security"
@@ -85,7 +87,10 @@ void Install(void (*handler)(int, siginfo_t*, void*)) {
 
 void ReadPidFile() {
     if (std::FILE* file = std::fopen(Halyard_PidFile, "rb")) {
-        (void)!std::fscanf(file, "%d", &Halyard_PID);
+        long value = 0; // a native "%d" would wrap where the 32-bit one stops at the limit
+        if (std::fscanf(file, "%ld", &value) == 1) {
+            Halyard_PID = int(std::clamp<long>(value, INT_MIN, INT_MAX));
+        }
         std::fclose(file);
     }
 }

@@ -17,6 +17,13 @@ namespace {
 cImmortal<cStr> s_FilePathNameStore __attribute__((init_priority(300))) ("Log.txt");
 constinit cImmortal<cStr> s_TextStore;
 
+/// Keeps a text bounded; the cut is at a byte, wherever a line ends.
+void CutFront(cStr* text) {
+    if (text->Length() > Halyard_Log::MaxTail) {
+        text->Remove(0, Halyard_Log::TailCut);
+    }
+}
+
 } // namespace
 
 constinit cStr& Halyard_Log::s_FilePathName = s_FilePathNameStore.Value;
@@ -47,13 +54,11 @@ void Halyard_Message(const char* text) {
     if (entry.Length() < endLength || entry.IndexOf(cLog::EndLn, entry.Length() - endLength) < 0) {
         entry.Append(cLog::EndLn);
     }
-    cIO::SaveFile(Halyard_Log::s_FilePathName, entry.Text(), unsigned(entry.Length()), true, true);
-
-    cStr& tail = Halyard_Log::s_Text;
-    tail.Append(entry);
-    if (tail.Length() > Halyard_Log::MaxTail) {
-        tail.Remove(0, Halyard_Log::TailCut);
+    if (!cIO::SaveFile(Halyard_Log::s_FilePathName, entry.Text(), unsigned(entry.Length()), true, true)) {
+        CutFront(&cLog::GetLogMutable()); // each failure warns there, and peers decide how often
     }
+    Halyard_Log::s_Text.Append(entry);
+    CutFront(&Halyard_Log::s_Text);
 }
 
 void _msg(const char* format, ...) {

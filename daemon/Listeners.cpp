@@ -23,7 +23,7 @@ using namespace Halyard_Service;
 namespace {
 
 constexpr int Backlog = 128;
-constexpr unsigned int PauseMs = 10; // limits an acceptor to about 100 connections a second, which is meant
+constexpr unsigned int PauseMs = 10; // no address can make more than about 100 threads a second
 
 cStr ToText(const in_addr& address) {
     unsigned char b[4];
@@ -35,7 +35,11 @@ cStr ToText(const in_addr& address) {
 void ServeConnection(void* own) {
     int sock = *static_cast<int*>(own);
     cPool::Free(static_cast<unsigned char*>(own), sizeof(int));
-    HandleSocket(&sock);
+    try {
+        HandleSocket(&sock);
+    } catch (const std::bad_alloc&) {
+        CSocket::Close(&sock); // too many peers at once: this one goes without a reply, the daemon stays
+    }
 }
 
 void StartConnection(int sock) {
@@ -151,7 +155,7 @@ void WaitAcceptConnThread(void* address) {
         unsigned int length = sizeof(peer);
         const int connection = CSocket::Accept(sock, reinterpret_cast<sockaddr*>(&peer), &length);
         if (connection == -1) {
-            continue;
+            continue; // at once: out of descriptors this spins, and takes the next peer as soon as one is free
         }
         StartConnection(connection);
         cThread::Sleep(PauseMs);

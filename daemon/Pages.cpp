@@ -101,6 +101,7 @@ void GenHtmlStatus(cStr* out) {
     {
         const cMutexLock lock(TM);
         if (Clients.Count() > 0) {
+            body.Resize(64 + Clients.Count() * int(sizeof(ClientRecord) + 64), false); // once: growth goes by 32 bytes
             AppendLine(&body, "Clients list:<br/><br/>");
             for (int i = 0; i < Clients.Count(); i++) {
                 body.AppendFormat("<b>#%d %s, joined %s</b><br/>", i + 1, Clients[i].Name, Clients[i].Joined);

@@ -3,7 +3,8 @@
 
 #include "foundation/cStr.h"
 
-/// Thread function of an accepted connection: reads once, replies once, closes.
+/// Thread function of an accepted connection: reads once, replies once, closes. What comes behind the first 4095 bytes
+/// is thrown away unread, so that the close does not reset the reply.
 ///
 ///     GET with "/log" anywhere     the log page
 ///     GET with 'H' at byte 6       the status page ("GET / HTTP/1.1")

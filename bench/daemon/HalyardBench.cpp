@@ -244,8 +244,13 @@ private:
         c.Sent = c.Replied = false;
         c.Begin = Clock::now();
         c.Sock = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
-        const sockaddr_in a = AddressOf(m_Load.Addresses[client % m_Load.Addresses.size()], m_Port);
-        (void)connect(c.Sock, reinterpret_cast<const sockaddr*>(&a), sizeof(a));
+        const int on = 1;
+        setsockopt(c.Sock, IPPROTO_IP, IP_BIND_ADDRESS_NO_PORT, &on, sizeof(on));
+        // From here every address of this machine is reached, and the daemon finds the name without a name server.
+        const sockaddr_in from = AddressOf("127.0.0.1", 0);
+        const sockaddr_in to = AddressOf(m_Load.Addresses[client % m_Load.Addresses.size()], m_Port);
+        (void)!bind(c.Sock, reinterpret_cast<const sockaddr*>(&from), sizeof(from));
+        (void)!connect(c.Sock, reinterpret_cast<const sockaddr*>(&to), sizeof(to));
     }
 
     void Step(Connection* c) {

@@ -50,6 +50,17 @@ bool ReadSome(int sock, std::string* to) {
     return n > 0;
 }
 
+/// Begins to connect from 127.0.0.1, which reaches every address of this machine.
+int BeginConnect(const std::string& address, int port) {
+    const int sock = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    const int on = 1;
+    setsockopt(sock, IPPROTO_IP, IP_BIND_ADDRESS_NO_PORT, &on, sizeof(on));
+    const sockaddr_in from = AddressOf("127.0.0.1", 0), to = AddressOf(address, port);
+    (void)!bind(sock, reinterpret_cast<const sockaddr*>(&from), sizeof(from));
+    (void)!connect(sock, reinterpret_cast<const sockaddr*>(&to), sizeof(to));
+    return sock;
+}
+
 void Redirect(const std::string& path, int to, int flags) {
     const int fd = open(path.c_str(), flags, 0644);
     dup2(fd, to);
@@ -283,17 +294,17 @@ bool DaemonTest::WaitMessage(const std::string& message) {
     });
 }
 
-int DaemonTest::Connect(const std::string& address) {
+int DaemonTest::Connect() {
     const int sock = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const timeval limit = {20, 0};
     setsockopt(sock, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit));
-    const sockaddr_in a = AddressOf(address, m_Port);
+    const sockaddr_in a = AddressOf("127.0.0.1", m_Port);
     EXPECT_EQ(connect(sock, reinterpret_cast<const sockaddr*>(&a), sizeof(a)), 0);
     return sock;
 }
 
-std::string DaemonTest::Ask(std::string_view request, const std::string& address) {
-    const int sock = Connect(address);
+std::string DaemonTest::Ask(std::string_view request) {
+    const int sock = Connect();
     if (request.empty()) {
         shutdown(sock, SHUT_WR);
     }
@@ -325,10 +336,7 @@ std::vector<std::string> DaemonTest::AskAll(const std::vector<std::string>& requ
     size_t next = 0;
     while ((next < requests.size() || !open.empty()) && Clock::now() < deadline) {
         while (next < requests.size() && open.size() < atOnce) {
-            const int sock = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-            const sockaddr_in a = AddressOf(m_Addresses[next % m_Addresses.size()], m_Port);
-            (void)connect(sock, reinterpret_cast<const sockaddr*>(&a), sizeof(a));
-            open.push_back({sock, POLLOUT, 0});
+            open.push_back({BeginConnect(m_Addresses[next % m_Addresses.size()], m_Port), POLLOUT, 0});
             index.push_back(next++);
         }
         poll(open.data(), open.size(), 20);

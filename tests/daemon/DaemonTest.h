@@ -1,5 +1,5 @@
-// Fixture for tests of the service as a real process: a folder, a port and an environment of the test's own, and
-// clients.
+// Fixture for tests of the service as a real process: a folder, a port and an environment of the test's own.
+// All clients come from 127.0.0.1, whose name does not take a name server to find.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -53,11 +53,11 @@ protected:
 
     /// One connection: sends, and reads to the end. Nothing to send: closes its direction at once.
     /// @return the reply, and "<reset>" behind it when the connection ended so
-    std::string Ask(std::string_view request, const std::string& address = "127.0.0.1");
+    std::string Ask(std::string_view request);
     /// Many at once, spread over the addresses. @return the replies in the same order
     std::vector<std::string> AskAll(const std::vector<std::string>& requests, size_t atOnce,
                                     const std::function<void()>& meanwhile = {});
-    int Connect(const std::string& address = "127.0.0.1"); ///< A descriptor for the caller to close.
+    int Connect(); ///< A descriptor for the caller to close.
     /// Sends and cuts the connection hard; with `finish` its end of sending comes first.
     void Reset(std::string_view request, bool finish);
     int RosterSize(); ///< As the status page shows it, or -1.
