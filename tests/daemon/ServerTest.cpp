@@ -225,6 +225,15 @@ TEST_F(Server, TwoHundredClientsAtOnce) {
     EXPECT_EQ(RosterSize(), 0);
 }
 
+TEST_F(Server, AnAcceptorTakesAboutAHundredASecond) { // on purpose: no address can make more threads than that
+    constexpr int count = 30;
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < count; i++) {
+        EXPECT_EQ(Ask("1A"), "0000001A\n\n");
+    }
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds((count - 1) * 10));
+}
+
 TEST_F(Server, NothingGrows) {
     const char* const kinds[] = {"1A", StatusRequest, "hello", "GET /log HTTP/1.1\r\n\r\n", "stop 99", "GET /x"};
     Lines requests;
