@@ -36,13 +36,16 @@ public:
 
     /// Whether the segment from `a` to `b` touches the box (the slab test of Kay and Kajiya, in double precision).
     bool ContainsLine(const cVec<T, N>& a, const cVec<T, N>& b) const {
+        if (IsEmpty()) {
+            return false;
+        }
         double enter = 0;
         double leave = 1;
         for (int i = 0; i < N; i++) {
             const double along = double(b[i]) - double(a[i]);
             const double toMin = double(min[i]) - double(a[i]);
             const double toMax = double(max[i]) - double(a[i]);
-            if (toMin > toMax || (along == 0 && (toMin > 0 || toMax < 0))) {
+            if (along != along || toMin != toMin || (along == 0 && (toMin > 0 || toMax < 0))) { // NaN touches nothing
                 return false;
             }
             if (along != 0) {

@@ -22,8 +22,8 @@ public:
     /// True when all corners of the transformed box lie on the outer side of one plane. A box beside an edge may pass.
     bool CullBounds(const cBounds& bounds, const cMat4& m) const;
 
-    /// Scales each of the two end faces about its centre, `s.x` along its bottom edge and `s.y` along its left edge,
-    /// and recalculates the planes.
+    /// Scales each of the two end faces, being rectangles, about its centre, `s.x` along its bottom edge and `s.y`
+    /// along its left edge, and recalculates the planes.
     void Scale(const cVec2& s);
 
     static constexpr int Triangles[36] = { // two for each face; the first gives the face's plane

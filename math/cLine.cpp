@@ -69,7 +69,7 @@ template <class T, int N> typename cLine<T, N>::Point_t cLine<T, N>::Point(float
     float done = 0;
     for (int i = 0; i + 1 < points.Count(); i++) {
         const float f = Length(i) / total;
-        if (done + f >= t) {
+        if (!(done + f < t)) {
             return Between(points[i], points[i + 1], (t - done) / f);
         }
         done += f;
@@ -105,7 +105,7 @@ typename cLine<T, N>::Point_t cLine<T, N>::NearestProjection(const Point_t& p, f
             before += Length(i);
         }
         const float total = Length();
-        *fraction = bestSegment < 0 || total == 0 ? 0 : (before + Length(bestSegment) * bestParameter) / total;
+        *fraction = bestSegment < 0 ? 0 : (before + Length(bestSegment) * bestParameter) / total;
     }
     if (segmentParameter) {
         *segmentParameter = bestParameter;

@@ -22,12 +22,13 @@ public:
     float Length() const;      ///< Over all segments; 0 for fewer than two points.
 
     /// The point at the fraction `t` of the length. Two points extrapolate outside [0, 1]; otherwise a `t` past the
-    /// end, as on fewer than two points, gives zero.
+    /// end, as on fewer than two points, gives zero. Where a segment of no length takes `t`, and on a line of no
+    /// length, there is no number.
     Point_t Point(float t) const;
 
     /// The nearest point of the line; the first of equals. The outputs may be null.
     ///
-    /// @param fraction          receives the fraction of the whole length
+    /// @param fraction          receives the fraction of the whole length; no number on a line of no length
     /// @param segmentParameter  receives the fraction along the segment. Within 0.001 of an end the point snaps to that
     ///                          end and the parameter stays; a segment shorter than about 0.03 counts by its middle
     /// @param segment           receives the segment's index

@@ -3,6 +3,7 @@
 #include "foundation/cList.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -11,12 +12,14 @@ namespace trellis {
 
 namespace {
 
-unsigned int s_RandSeed = 0;
+// Threads only disturb each other's sequences, so loads and stores are enough.
+constinit std::atomic<unsigned int> s_RandSeed{0};
 
 /// One step of the generator of "Numerical Recipes" (1664525, 1013904223). @return a float in [1, 2) of its low 23 bits
 float NextRandom() {
-    s_RandSeed = s_RandSeed * 1664525u + 1013904223u;
-    return std::bit_cast<float>((s_RandSeed & 0x7FFFFFu) | 0x3F800000u);
+    const unsigned int seed = s_RandSeed.load(std::memory_order_relaxed) * 1664525u + 1013904223u;
+    s_RandSeed.store(seed, std::memory_order_relaxed);
+    return std::bit_cast<float>((seed & 0x7FFFFFu) | 0x3F800000u);
 }
 
 constexpr int Slices = 16; // bytes that one step of the checksum takes in
@@ -97,7 +100,7 @@ float cMath::ArcTan2(float y, float x) {
 }
 
 void cMath::Randomize(unsigned int seed) {
-    s_RandSeed = seed;
+    s_RandSeed.store(seed, std::memory_order_relaxed);
 }
 
 float cMath::Rand01() {
@@ -190,7 +193,8 @@ void* cMath::EndianSwap(void* data, const char* pattern, int count) {
         int times = -1; // no number yet
         for (const char* p = pattern; *p; p++) {
             if (*p >= '0' && *p <= '9') {
-                times = std::min(std::max(times, 0) * 10 + (*p - '0'), IntMaxValue / 10 - 1);
+                const int64_t wide = int64_t(std::max(times, 0)) * 10 + (*p - '0');
+                times = int(std::min<int64_t>(wide, IntMaxValue));
                 continue;
             }
             if (const int size = ItemSize(*p)) {
@@ -210,7 +214,9 @@ float cMath::Periodic(float value, float min, float max, int* cycles) {
     }
     const float result = value - std::floor((value - min) / period) * period;
     if (cycles) {
-        *cycles = -TruncateToInt((result - value) / period + (result > value ? 0.5f : -0.5f));
+        *cycles =
+            int(0u - unsigned(TruncateToInt((result - value) / period +
+                                            (result > value ? 0.5f : -0.5f)))); // wraps, as the target's negation does
     }
     return result;
 }

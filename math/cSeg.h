@@ -17,11 +17,11 @@ public:
     constexpr cSeg() = default;
     cSeg(const cVec3& a, const cVec3& b, float eps = cMath::Epsilon) { SetFromEnds(a, b, eps); }
 
-    /// A length below `eps` makes the segment zero: no direction, length 0.
+    /// A length below `eps`, or beyond float, makes the segment zero: no direction, length 0.
     void SetFromEnds(const cVec3& a, const cVec3& b, float eps = cMath::Epsilon) { SetFromRay(a, b - a, eps); }
     void SetFromRay(const cVec3& origin, const cVec3& dir, float eps = cMath::Epsilon); ///< Length of `dir`.
 
-    constexpr bool IsZero() const { return length == 0; }
+    constexpr bool IsZero() const { return length == 0 || direction == cVec3::Zero; }
     constexpr cVec3 GetEnd() const { return start + direction * length; }
     constexpr cVec3 GetPoint(float fraction) const { return start + direction * (length * fraction); }
 
@@ -33,9 +33,10 @@ public:
     static float Distance(ConsiderAs as, const cSeg& seg, const cVec3& p);
     static float Distance(ConsiderAs as, const cSeg& a, const cSeg& b); ///< Both taken for the same.
 
-    /// Closest points of two, both taken for the same (Ericson, "Real-Time Collision Detection", 5.1.9). Where many
-    /// pairs are equally close it is one of them; a zero segment is a point.
+    /// Closest points of two, both taken for the same, or each for its own kind (Ericson, "Real-Time Collision
+    /// Detection", 5.1.9). Where many pairs are equally close it is one of them; a zero segment is a point.
     static void ClosestPoints(ConsiderAs as, const cSeg& a, const cSeg& b, cVec3& onA, cVec3& onB);
+    static void ClosestPoints(ConsiderAs asA, const cSeg& a, ConsiderAs asB, const cSeg& b, cVec3& onA, cVec3& onB);
 
     cVec3 start;
     cVec3 direction; ///< Of unit length, or zero.

@@ -170,6 +170,9 @@ bool cSolver::ApproximatePoints(const cVec3* points, int count, cVec3* center, c
     for (double& m : mean) {
         m /= count;
     }
+    if (!std::isfinite(mean[0] + mean[1] + mean[2])) {
+        return false;
+    }
     *center = {float(mean[0]), float(mean[1]), float(mean[2])};
 
     const cVec3 extent = cBounds::FromPoints(points, count).Size();
@@ -188,11 +191,7 @@ bool cSolver::ApproximatePoints(const cVec3* points, int count, cVec3* center, c
             scatter[j / 3][j % 3] += offset[j / 3] * offset[j % 3];
         }
     }
-    const cVec3 axis = LeastAxis(scatter);
-    if (!std::isfinite(axis.LengthSq())) {
-        return false; // as the points were
-    }
-    *normal = axis;
+    *normal = LeastAxis(scatter);
     return true;
 }
 

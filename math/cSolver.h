@@ -29,12 +29,12 @@ public:
     ///     2  a real root and a double one    [0], [1]
     ///     1  one real root                   [0]; [1] and [2] real and imaginary part of the pair
     ///
-    /// The last two are right only where R = ((2 a^2 - 9 b) a + 27 c) / 54 is 0 or more: its sign is dropped, and
-    /// callers that keep results have come to rely on it.
+    /// The last two are right only where R = ((2 a^2 - 9 b) a + 27 c) / 54 is 0 or more: its sign is dropped. No caller
+    /// meets another R there, and it stays exactly so. Three equal roots give 3 and no numbers (0 / 0).
     static int GetRoots3(float a, float b, float c, float* roots);
 
     /// Eigenvalues of `m` and unit row vectors v with v m = value v, in the order of `GetRoots3`, unsorted. A value
-    /// that occurs twice has no vector of its own here: its vector may be zero.
+    /// whose vector has no z, or that occurs twice, gets a zero vector; with little z it is inaccurate.
     ///
     /// @param values   three floats, or null
     /// @param vectors  three vectors, or null
@@ -46,7 +46,7 @@ public:
     /// @param center     receives the mean of the points
     /// @param normal     receives the unit normal
     /// @param tolerance  an extent of the points up to this counts as flat, in the order X, Y, Z
-    /// @return false for fewer than 3 points (both outputs are zero) and where no axis of least spread is to be had
+    /// @return false for fewer than 3 points, and for what are no numbers; both outputs are then zero
     static bool ApproximatePoints(const cVec3* points, int count, cVec3* center, cVec3* normal, float tolerance);
 
     /// Even-odd test. An edge that the point lies on is not counted.

@@ -1,7 +1,6 @@
 #include "math/cSphere.h"
 
 #include "math/cBounds.h"
-#include "math/cMat3.h"
 #include "math/cSeg.h"
 
 #include <algorithm>
@@ -15,17 +14,23 @@ float cSphere::SignedDistanceToPlane(const cPlane& plane) const {
 }
 
 bool cSphere::RayIntersection(const cVec3& origin, const cVec3& dir, float& t0, float& t1) const {
-    const cVec3 fromCenter = origin - center;
-    const float a = dir.LengthSq();
-    const float halfB = cVec3::Dot(fromCenter, dir);
-    const float c = fromCenter.LengthSq() - radius * radius;
-    const float discriminant = halfB * halfB - a * c;
+    // In double: from far away the discriminant is a small difference of large squares.
+    double a = 0;
+    double halfB = 0;
+    double c = -double(radius) * radius;
+    for (int i = 0; i < 3; i++) {
+        const double fromCenter = double(origin[i]) - center[i];
+        a += double(dir[i]) * dir[i];
+        halfB += fromCenter * dir[i];
+        c += fromCenter * fromCenter;
+    }
+    const double discriminant = halfB * halfB - a * c;
     if (!(a > 0 && discriminant >= 0)) {
         return false;
     }
-    const float root = std::sqrt(discriminant);
-    t0 = (-halfB - root) / a;
-    t1 = (-halfB + root) / a;
+    const double root = std::sqrt(discriminant);
+    t0 = float((-halfB - root) / a);
+    t1 = float((-halfB + root) / a);
     return true;
 }
 
@@ -57,16 +62,33 @@ bool cSphere::LineIntersection(const cVec3& a, const cVec3& b) const {
 }
 
 cSphere cSphere::FromPoints(const cVec3& a, const cVec3& b, const cVec3& c, const cVec3& d) {
-    // The centre is as far from `a` as from each other point p: 2 (p - a) . x = |p - a|^2, with x seen from `a`.
-    const cMat3 differences(b - a, c - a, d - a);
-    cMat3 inverse;
-    if (!cMat3::Invert(differences, &inverse)) {
-        const cVec3 points[] = {a, b, c, d};
-        return FromPoints(points, 4);
+    // The centre x, seen from `a`, is as far from `a` as from each other point p: 2 (p - a) . x = |p - a|^2. Solved by
+    // Cramer's rule in double, then tried: nearly coplanar points leave nothing but noise in the determinant.
+    const cVec3 points[] = {a, b, c, d};
+    double m[3][3];
+    double half[3];
+    for (int i = 0; i < 3; i++) {
+        half[i] = 0;
+        for (int k = 0; k < 3; k++) {
+            m[i][k] = double(points[i + 1][k]) - a[k];
+            half[i] += m[i][k] * m[i][k] * 0.5;
+        }
     }
-    const cVec3 half = cVec3((b - a).LengthSq(), (c - a).LengthSq(), (d - a).LengthSq()) * 0.5f;
-    const cVec3 x = half * cMat3::Transpose(inverse);
-    return {a + x, x.Length()};
+    const auto determinant = [&m, &half](int replaced) { // column `replaced` by the right side; -1: none
+        const auto e = [&](int i, int k) { return k == replaced ? half[i] : m[i][k]; };
+        return e(0, 0) * (e(1, 1) * e(2, 2) - e(1, 2) * e(2, 1)) - e(0, 1) * (e(1, 0) * e(2, 2) - e(1, 2) * e(2, 0)) +
+               e(0, 2) * (e(1, 0) * e(2, 1) - e(1, 1) * e(2, 0));
+    };
+    const double whole = determinant(-1);
+    const cVec3 x(float(determinant(0) / whole), float(determinant(1) / whole), float(determinant(2) / whole));
+    const cSphere sphere(a + x, x.Length());
+    for (const cVec3& p : points) {
+        if (!(std::fabs(cVec3::Distance(sphere.center, p) - sphere.radius) <= 1e-3f * (1 + sphere.radius)) ||
+            !std::isfinite(sphere.radius)) {
+            return FromPoints(points, 4);
+        }
+    }
+    return sphere;
 }
 
 cSphere cSphere::FromPoints(const cVec3* points, int count) {

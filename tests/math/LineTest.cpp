@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace trellis {
 namespace {
 
@@ -24,6 +26,9 @@ TEST(Line, PointsByFraction) {
     EXPECT_EQ(Corner().Point(1), V3(1, 1, 0));
     EXPECT_EQ(Corner().Point(1.5f), V3::ZERO) << "past the end of three points";
     EXPECT_EQ((cLine<float, 2>().Point(0)), (cVec<float, 2>::ZERO));
+    cLine<float, 3> still({1, 1, 1}, {1, 1, 1});
+    still.points.Add({1, 1, 1});
+    EXPECT_TRUE(std::isnan(still.Point(0.5f)[0])) << "no length, no number";
 }
 
 TEST(Line, NearestProjection) {
@@ -116,6 +121,9 @@ TEST(Line, Subdivision) {
     cLine<float, 3> ten({0, 0, 0}, {1, 0, 0});
     ten.Subdivide(10); // ten steps of 0.1f add up to 1.0000001
     EXPECT_EQ(ten.points.Count(), 11);
+    cLine<float, 3> twelve({0, 0, 0}, {1, 0, 0});
+    twelve.Subdivide(12); // twelve of 1/12 stay below 1: one point more
+    EXPECT_EQ(twelve.points.Count(), 14);
     cLine<int, 3> ints({0, 0, 0}, {5, 0, 0});
     ints.Subdivide(2);
     EXPECT_EQ(ints.points[1], (cVec<int, 3>(2, 0, 0))) << "truncated";

@@ -142,6 +142,9 @@ TEST(Math, PeriodicWraps) {
         EXPECT_EQ(cMath::Periodic(c.Value, c.Min, c.Max, &cycles), c.Result);
         EXPECT_EQ(cycles, c.Cycles);
     }
+    int cycles = 0;
+    cMath::Periodic(1e20f, 0, 1, &cycles);
+    EXPECT_EQ(cycles, INT_MIN) << "more than an int can count";
     EXPECT_TRUE(std::isnan(cMath::Periodic(5, 5, 5))) << "the division runs its course";
 }
 

@@ -66,6 +66,20 @@ TEST(Seg, DistancesAreNeverWorseThanTrying) {
     }
 }
 
+TEST(Seg, SmallAnglesAreNotParallel) {
+    const cSeg a({0, 0, 0}, {1000, 0, 0});
+    EXPECT_NEAR(cSeg::Distance(cSeg::Segment, a, cSeg({0, 0.3f, 0}, {1000, 0, 0})), 0, 1e-4) << "they share an end";
+    EXPECT_NEAR(cSeg::Distance(cSeg::Segment, a, cSeg({0, 0.3f, 0}, {1000, 0.3f, 0})), 0.3, 1e-6);
+    cVec3 onA, onB;
+    const cSeg axis({-1, 0, 0}, {1, 0, 0}), ray({0.5f, 0, 9}, {0.5f, 0, 8});
+    cSeg::ClosestPoints(cSeg::Segment, axis, cSeg::Ray, ray, onA, onB);
+    EXPECT_TRUE(Near(onA, cVec3(0.5f, 0, 0))) << "the ray goes on, the axis ends";
+    EXPECT_TRUE(Near(onB, cVec3(0.5f, 0, 0)));
+    cSeg::ClosestPoints(cSeg::Segment, axis, cSeg::Segment, ray, onA, onB);
+    EXPECT_TRUE(Near(onB, cVec3(0.5f, 0, 8)));
+    EXPECT_TRUE(cSeg({-1e30f, 0, 0}, {1e30f, 0, 0}).IsZero()) << "its length is beyond float";
+}
+
 TEST(Seg, ProjectionIsAFraction) {
     const cSeg s({0, 0, 0}, {4, 0, 0});
     constexpr struct {
@@ -111,6 +125,11 @@ TEST(Sphere, AgainstPlanesAndLines) {
     EXPECT_EQ(t0, t1);
     EXPECT_FALSE(s.RayIntersection({2.1f, 0, 0}, {0, 1, 0}, t0, t1));
     EXPECT_FALSE(s.RayIntersection({0, 5, 0}, cVec3::Zero, t0, t1));
+    const cSphere far({0, 0, -5000}, 1);
+    EXPECT_TRUE(far.RayIntersection(cVec3::Zero, {0, 0, -1}, t0, t1));
+    EXPECT_EQ(t0, 4999);
+    EXPECT_EQ(t1, 5001);
+    EXPECT_FALSE(far.RayIntersection({1.5f, 0, 0}, {0, 0, -1}, t0, t1));
     EXPECT_TRUE(s.LineIntersection({-5, 5, 0}, {5, 5, 0}));
     EXPECT_FALSE(s.LineIntersection({-5, 5, 0}, {-2, 5, 0})) << "ends on the surface";
     EXPECT_FALSE(s.LineIntersection({0, 5, 0}, {0, 5, 0.0009f})) << "too short to count";
@@ -141,6 +160,14 @@ TEST(Sphere, HoldsItsPoints) {
         for (const cVec3& v : p) {
             EXPECT_NEAR(cVec3::Distance(through.center, v), through.radius, 1e-3 * (1 + through.radius));
             EXPECT_LE(cVec3::Distance(around.center, v), around.radius);
+        }
+    }
+    for (int i = 0; i < 1000; i++) { // in a slanted plane: only noise is left in the determinant
+        const cVec3 a = random.Vec(100), u = random.Vec(100), v = random.Vec(100);
+        const cVec3 p[] = {a, a + u, a + v, a + u * 0.3f + v * 0.6f};
+        const cSphere s = cSphere::FromPoints(p[0], p[1], p[2], p[3]);
+        for (const cVec3& q : p) {
+            EXPECT_LE(cVec3::Distance(s.center, q), s.radius + 2e-3f * (1 + s.radius));
         }
     }
     const cSphere flat = cSphere::FromPoints({0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {2, 2, 0});
@@ -222,6 +249,7 @@ TEST(Bounds, LinesTouchOrMiss) {
         EXPECT_EQ(box.ContainsLine({c.X0, c.Y0}, {c.X1, c.Y1}), c.Hit) << c.Name;
         EXPECT_EQ(box.ContainsLine({c.X1, c.Y1}, {c.X0, c.Y0}), c.Hit) << c.Name;
     }
+    EXPECT_FALSE(cBounds::One.ContainsLine(cVec3(NAN, 0.5f, 0.5f), cVec3(NAN, 0.5f, 0.6f)));
     const int big = cMath::IntMaxValue;
     EXPECT_TRUE(box.ContainsLine({-big, 5}, {big, 5})) << "differences beyond an int";
 }

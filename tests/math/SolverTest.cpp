@@ -2,6 +2,7 @@
 #include "tests/math/Near.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace trellis {
@@ -95,6 +96,16 @@ TEST(Solver, EigenSystemOfSymmetricMatrices) {
     float values[3] = {9, 9, 9};
     EXPECT_FALSE(cSolver::EigenSolve(cMat3::RotationX(90), values, nullptr)) << "complex ones";
     EXPECT_EQ(values[0], 9);
+    cVec3 vectors[3];
+    EXPECT_TRUE(cSolver::EigenSolve(cMat3::Scaling(1, 2, 3), values, vectors));
+    int zero = 0;
+    for (const cVec3& v : vectors) {
+        zero += v == cVec3::Zero;
+    }
+    EXPECT_EQ(zero, 2) << "vectors without z";
+    float roots[3];
+    EXPECT_EQ(cSolver::GetRoots3(-3, 3, -1, roots), 3) << "three times 1";
+    EXPECT_TRUE(std::isnan(roots[0])) << "0 / 0, as it stands";
 }
 
 TEST(Solver, PlaneThroughPoints) {
@@ -137,6 +148,9 @@ TEST(Solver, PlaneThroughFlatOrFewPoints) {
     const cVec3 broken[] = {{0, 0, 0}, {1, 2, NAN}, {3, 1, 1}};
     EXPECT_FALSE(cSolver::ApproximatePoints(broken, 3, &center, &normal, 0));
     EXPECT_EQ(normal, cVec3::Zero);
+    EXPECT_EQ(center, cVec3::Zero);
+    const cVec3 none[] = {{NAN, 0, 0}, {NAN, 2, 5}, {NAN, 1, 1}};
+    EXPECT_FALSE(cSolver::ApproximatePoints(none, 3, &center, &normal, 0)) << "not flat either";
 }
 
 TEST(Solver, PointInPolygonCountsCrossings) {
