@@ -136,12 +136,16 @@ bool Halyard_NetworkIsReady() {
 }
 
 void StartAcceptors() {
+    const auto start = [](void* address) {
+        unsigned long thread = cThread::CreateThread(WaitAcceptConnThread, address);
+        cThread::DeleteThread(&thread); // nobody waits for one that cannot bind
+    };
     const int count = NetworkInteraces.Count();
     for (int i = 0; i < count; i++) {
-        cThread::CreateThread(WaitAcceptConnThread, &NetworkInteraces[i]);
+        start(&NetworkInteraces[i]);
     }
     if (count == 0) {
-        cThread::CreateThread(WaitAcceptConnThread, nullptr);
+        start(nullptr);
     }
 }
 

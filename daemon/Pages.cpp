@@ -40,7 +40,7 @@ bool MakePage(const char* request, cStr* page) {
 
 /// Closing with bytes unread would reset the connection, and the peer could lose the reply. A peer that never stops
 /// sending is reset all the same.
-void DiscardUnread(int sock) {
+[[gnu::noinline]] void DiscardUnread(int sock) { // its buffer stays off the stack of every other connection
     char bytes[BufferSize];
     for (int i = 0; i < 256 && recv(sock, bytes, sizeof(bytes), MSG_DONTWAIT) > 0; i++) {
     }

@@ -525,12 +525,20 @@ cStr cStr::Format(const char* format, ...) {
     return text;
 }
 
+// The full buffer has a frame of its own: few texts need it, and a short thread's stack would grow for it.
+[[gnu::noinline]] static cStr FormatLong(const char* format, va_list args) {
+    char buffer[cStr::FormatSize];
+    return std::vsnprintf(buffer, sizeof(buffer), format, args) < 0 ? "" : buffer;
+}
+
 cStr cStr::Formatv(const char* format, va_list args) {
-    char buffer[FormatSize];
-    if (std::vsnprintf(buffer, sizeof(buffer), format, args) < 0) {
-        buffer[0] = 0;
-    }
-    return buffer;
+    char buffer[512];
+    va_list again;
+    va_copy(again, args);
+    const int length = std::vsnprintf(buffer, sizeof(buffer), format, args);
+    cStr text = length >= 0 && length < int(sizeof(buffer)) ? cStr(buffer) : FormatLong(format, again);
+    va_end(again);
+    return text;
 }
 
 // UTF-8
