@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -34,6 +35,14 @@ protected:
         close(m_Lock);
     }
 
+    // The thread sanitizer keeps one signal of a kind back until a thread's next call, and drops those behind it.
+#if defined(__SANITIZE_THREAD__)
+    static constexpr bool LosesSignals = true;
+#else
+    static constexpr bool LosesSignals = false;
+#endif
+    static constexpr int WaitSeconds = LosesSignals ? 5 : 20;
+
     /// @return the value that rode on the list signal, or -1
     int WaitSignal(pid_t* from, int seconds = 20) {
         siginfo_t info = {};
@@ -56,7 +65,11 @@ protected:
     /// The roster as the daemon tells it to this process.
     std::string Listing(pid_t daemon) {
         EXPECT_EQ(Signal(daemon, getpid()), 0);
-        const int size = WaitSignal(nullptr);
+        int size = WaitSignal(nullptr, WaitSeconds);
+        if (LosesSignals && size == -1) {
+            EXPECT_EQ(Signal(daemon, getpid()), 0);
+            size = WaitSignal(nullptr, WaitSeconds);
+        }
         const std::string text = ReadFile(ExchangeFile);
         EXPECT_EQ(size, int(text.size()));
         return text;
@@ -125,7 +138,8 @@ TEST_F(Control, SecondDaemonReplacesTheFirst) {
     EXPECT_TRUE(WaitFor([&] { return AllListen(getpid()) || (status = Finish(second, 0)) != -1; }));
     if (status != -1) {
         EXPECT_EQ(status, 0);
-        EXPECT_EQ(Messages().back(), "Probably you are running second copy of Halyard.");
+        const auto log = Messages(); // the acceptor of another interface may have the last word
+        EXPECT_EQ(std::count(log.begin(), log.end(), "Probably you are running second copy of Halyard."), 1);
     } else {
         EXPECT_EQ(Ask("1A"), "0000001A\n\n");
     }
