@@ -307,7 +307,7 @@ cStr cIO::GetUserFolder() {
 cStr cIO::GetCacheFolder() {
     cStr folder = GetEnvironmentVariable("XDG_CACHE_HOME");
     if (folder.Text()[0] == '/') {
-        return folder; // XDG Base Directory Specification: relative paths there are to be ignored
+        return folder; // XDG Base Directory: relative paths there are to be ignored
     }
     folder = GetEnvironmentVariable("HOME");
     if (folder.Text()[0] != '/') {
