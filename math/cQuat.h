@@ -45,8 +45,8 @@ public:
     static cVec3 Rotate(const cVec3& v, const cQuat& q); ///< q v q*, for a unit quaternion.
 
     cAngles ToAngles() const;
-    cMat3
-    ToMat3() const; ///< Scales by 2 / squared length, so any length will do; below about 1e-19 it is the identity.
+    /// Scales by 2 / squared length, so any length from 1e-19 to 1e19 will do; a smaller one gives the identity.
+    cMat3 ToMat3() const;
     cMat4 ToMat4() const;
     cRotation ToRotation() const; ///< Angle in [0, 360] and axis; about the X axis when there is no rotation.
 

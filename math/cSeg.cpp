@@ -77,9 +77,14 @@ float cSeg::Distance(ConsiderAs as, const cSeg& seg, const cVec3& p) {
 }
 
 float cSeg::Distance(ConsiderAs as, const cSeg& a, const cSeg& b) {
-    cVec3 onA, onB;
-    ClosestPoints(as, a, as, b, onA, onB);
-    return cVec3::Distance(onA, onB);
+    double s, t;
+    ClosestDistances(as, a, as, b, &s, &t);
+    double sum = 0;
+    for (int i = 0; i < 3; i++) { // rounded once: the points of lines nearly parallel lie far out
+        const double d = double(a.start[i]) - b.start[i] + s * a.direction[i] - t * b.direction[i];
+        sum += d * d;
+    }
+    return float(std::sqrt(sum));
 }
 
 void cSeg::ClosestPoints(ConsiderAs as, const cSeg& a, const cSeg& b, cVec3& onA, cVec3& onB) {

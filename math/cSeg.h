@@ -17,7 +17,7 @@ public:
     constexpr cSeg() = default;
     cSeg(const cVec3& a, const cVec3& b, float eps = cMath::Epsilon) { SetFromEnds(a, b, eps); }
 
-    /// A length below `eps`, or beyond float, makes the segment zero: no direction, length 0.
+    /// A length below `eps`, or whose square is beyond float, makes the segment zero: no direction, length 0.
     void SetFromEnds(const cVec3& a, const cVec3& b, float eps = cMath::Epsilon) { SetFromRay(a, b - a, eps); }
     void SetFromRay(const cVec3& origin, const cVec3& dir, float eps = cMath::Epsilon); ///< Length of `dir`.
 

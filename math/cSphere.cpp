@@ -81,14 +81,21 @@ cSphere cSphere::FromPoints(const cVec3& a, const cVec3& b, const cVec3& c, cons
     };
     const double whole = determinant(-1);
     const cVec3 x(float(determinant(0) / whole), float(determinant(1) / whole), float(determinant(2) / whole));
-    const cSphere sphere(a + x, x.Length());
+    const cVec3 center = a + x;
+    const cSphere around = FromPoints(points, 4);
+    float nearest = cMath::FloatMaxValue;
+    float farthest = 0;
     for (const cVec3& p : points) {
-        if (!(std::fabs(cVec3::Distance(sphere.center, p) - sphere.radius) <= 1e-3f * (1 + sphere.radius)) ||
-            !std::isfinite(sphere.radius)) {
-            return FromPoints(points, 4);
+        const float r = cVec3::Distance(center, p);
+        if (!std::isfinite(r)) {
+            return around;
         }
+        nearest = std::min(nearest, r);
+        farthest = std::max(farthest, r);
     }
-    return sphere;
+    // A huge sphere is the noise of points in one plane, and float cannot tell its distances apart.
+    const bool through = farthest <= 1e3f * around.radius && farthest - nearest <= 1e-3f * around.radius;
+    return through ? cSphere(center, farthest) : around;
 }
 
 cSphere cSphere::FromPoints(const cVec3* points, int count) {
