@@ -161,7 +161,12 @@ void WaitAcceptConnThread(void* address) {
         if (connection == -1) {
             continue; // at once: out of descriptors this spins, and takes the next peer as soon as one is free
         }
-        StartConnection(connection);
+        try {
+            StartConnection(connection);
+        } catch (const std::bad_alloc&) {
+            int refused = connection;
+            CSocket::Close(&refused);
+        }
         cThread::Sleep(PauseMs);
     }
 }

@@ -190,7 +190,8 @@ public:
     static bool RemoveFile(const char* path);
 
     /// Removes all that is in a folder, and in the write folder's copy of it. Symbolic links inside are removed and not
-    /// followed. Null and empty paths, the root of the disk, and the read folder by a relative name are refused.
+    /// followed. Null and empty paths, the root of the disk, and by a relative name the read folder or one above
+    /// it are refused.
     ///
     /// @param removeFolder  false only empties it
     /// @return true when there was such a folder and all that was to go has gone

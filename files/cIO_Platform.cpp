@@ -80,7 +80,8 @@ template <class Remove> bool RemoveBoth(cStr path, Remove remove) {
 bool SetPermissions(const char* path, unsigned int mode, bool folder) {
     const cStr found = cIO_FindForReading(path);
     struct stat info;
-    return stat(found, &info) == 0 && bool(S_ISDIR(info.st_mode)) == folder && chmod(found, mode_t(mode & 07777)) == 0;
+    return cIO::PathIsAbsolute(found) && stat(found, &info) == 0 && bool(S_ISDIR(info.st_mode)) == folder &&
+           chmod(found, mode_t(mode & 07777)) == 0;
 }
 
 /// The file system of a path, or of its nearest folder that exists.
@@ -195,7 +196,8 @@ void ReadCommandLine(cList<cStr>* words) {
 
 bool IsSameItem(const char* a, const char* b) {
     struct stat infoA, infoB;
-    return stat(a, &infoA) == 0 && stat(b, &infoB) == 0 && infoA.st_dev == infoB.st_dev && infoA.st_ino == infoB.st_ino;
+    return lstat(a, &infoA) == 0 && stat(b, &infoB) == 0 && // a link is only itself
+           infoA.st_dev == infoB.st_dev && infoA.st_ino == infoB.st_ino;
 }
 
 void CloseDescriptorsOnExec() {
@@ -263,10 +265,16 @@ bool cIO::RemoveFile(const char* path) {
 bool cIO::RemoveFolder(const char* path, bool removeFolder) {
     cStr folder = EnsureAbsolutePath(path);
     cIO_TrimFolder(&folder);
-    // Nobody means the whole disk, or all of the program's data by a path such as "." or "~".
-    if (!path || !*path || !PathIsAbsolute(folder) || IsSameItem(folder, "/") ||
-        (!PathIsAbsolute(path) && IsSameItem(folder, GetDefaultSourceFolder()))) {
+    // Nobody means the whole disk, or all of the program's data by a path such as "." or "..".
+    if (!path || !*path || !PathIsAbsolute(folder) || IsSameItem(folder, "/")) {
         return false;
+    }
+    if (!PathIsAbsolute(path)) {
+        for (cStr up = GetDefaultSourceFolder(); !up.IsEmpty(); up.RemoveFileName()) {
+            if (IsSameItem(folder, up)) {
+                return false;
+            }
+        }
     }
     return RemoveBoth(folder, [removeFolder](const cStr& item) { return RemoveFolderItem(item, removeFolder); });
 }

@@ -141,6 +141,9 @@ void cIO::SearchFilesRecursive(const char* pattern, cList<cStr>* out) {
     cStr folder, wildcard;
     cIO_SplitPattern(pattern, &folder, &wildcard);
     out->Clear();
+    if (!PathIsAbsolute(folder)) {
+        return; // a URL, as above
+    }
     TreeWalk(out).Walk(folder, wildcard);
 }
 

@@ -57,17 +57,15 @@ template <class T> struct cList_Container {
             block.release();
             return c;
         } else {
-            if constexpr (std::is_nothrow_move_constructible_v<T>) {
-                if (move) { // the fresh slots first: when one of them throws, nothing has been moved yet
-                    std::uninitialized_value_construct_n(c->Items() + count, capacity - count);
-                    std::uninitialized_move_n(from, count, c->Items());
-                    block.release();
-                    return c;
-                }
-            }
             std::uninitialized_value_construct_n(c->Items(), capacity);
             block.release();
             std::unique_ptr<cList_Container, void (*)(cList_Container*)> guard(c, DestroyUncounted);
+            if constexpr (std::is_nothrow_move_assignable_v<T>) {
+                if (move) {
+                    std::move(from, from + count, c->Items());
+                    return guard.release();
+                }
+            }
             std::copy_n(from, count, c->Items());
             return guard.release();
         }
@@ -134,7 +132,12 @@ public:
             c->Count = index + 1;
             return index;
         }
-        return AddSlow(v, count);
+        // Small plain values go by value: their address would force each caller to keep them in memory.
+        if constexpr (std::is_trivially_copyable_v<T> && sizeof(T) <= 2 * sizeof(void*)) {
+            return AddSlow<T>(v, count);
+        } else {
+            return AddSlow<const T&>(v, count);
+        }
     }
 
     /// Appends the `count` elements at `v`, which may be elements of this list. The result is as of `Add`.
@@ -332,10 +335,7 @@ private:
         return Hold(old);
     }
 
-    // Small plain values go by value: the address would force each caller to keep its value in memory.
-    using SlowArg = std::conditional_t<std::is_trivially_copyable_v<T> && sizeof(T) <= 2 * sizeof(void*), T, const T&>;
-
-    [[gnu::noinline]] int AddSlow(SlowArg v, int count) {
+    template <class Arg> [[gnu::noinline]] int AddSlow(Arg v, int count) {
         if (count > 0) {
             const Hold old = GrowFor(count, &v);
             std::fill_n(m_Container->Items() + m_Container->Count, count, v);

@@ -88,7 +88,7 @@ TEST_F(cIO_Platform, FolderRemovalStaysInside) {
 
     Source()->SetPath(Read("root").c_str());
     Put(Read("root/data"));
-    for (const char* path : {static_cast<const char*>(nullptr), "", ".", "~", "/.", "/x/..", "http://x/y"}) {
+    for (const char* path : {static_cast<const char*>(nullptr), "", ".", "..", "~", "/.", "/x/..", "http://x/y"}) {
         EXPECT_FALSE(cIO::RemoveFolder(path, true));
     }
     EXPECT_FALSE(cIO::CreatePath("http://x/y/")); // not a folder "http:" wherever the program was started

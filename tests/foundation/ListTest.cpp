@@ -170,6 +170,22 @@ TEST(List, CopyReusesTheBlock) {
     EXPECT_EQ(list.Capacity(), 9) << "an empty source leaves the capacity";
 }
 
+struct Node { // the type is incomplete where it is named
+    int Value = 0;
+    cList<Node> Children;
+};
+
+TEST(List, HoldsItsOwnKind) {
+    Node root;
+    for (int i = 0; i < 20; i++) {
+        Node child;
+        child.Value = i;
+        child.Children.Add(child);
+        root.Children.Add(child);
+    }
+    EXPECT_EQ(root.Children[19].Children[0].Value, 19);
+}
+
 TEST(List, RemoveOfNothingTouchesNothing) {
     cList<std::string> list; // its assignment to itself by move would empty a text
     list.Add(std::string(40, 'x'), 3);
