@@ -9,6 +9,7 @@
 
 #include <cstdarg>
 #include <cstdint>
+#include <new>
 #include <utility>
 
 using namespace trellis;
@@ -48,7 +49,12 @@ private:
 int Register(int sock, Trace* trace) {
     const cMutexLock lock(CSocket::m_Mutex);
     if (sock != -1) {
-        CSocket::m_Sockets.Add(sock);
+        try {
+            CSocket::m_Sockets.Add(sock);
+        } catch (const std::bad_alloc&) {
+            close(sock); // nobody would remember it
+            return -1;
+        }
         trace->Step(".3 | m_Sockets.Count() = %d", CSocket::m_Sockets.Count());
     }
     return sock;

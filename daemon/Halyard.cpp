@@ -212,8 +212,8 @@ void Halyard_HandleClientRequest(int sock, const char* request) {
 void Halyard_ListClients(cStr* out) {
     const cMutexLock lock(TM);
     out->Clear();
-    out->Resize(cMain_Title.Length() + 8 + Clients.Count() * int(sizeof(ClientRecord)),
-                false); // growth goes by 32 bytes
+    // All at once: growth by itself goes by 32 bytes, with a copy of the whole text each time.
+    out->Resize(cMain_Title.Length() + 8 + Clients.Count() * int(sizeof(ClientRecord)), false);
     out->Append(cMain_Title);
     out->Append(cLog::EndLn);
     for (const ClientRecord& client : Clients) {

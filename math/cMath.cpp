@@ -214,9 +214,8 @@ float cMath::Periodic(float value, float min, float max, int* cycles) {
     }
     const float result = value - std::floor((value - min) / period) * period;
     if (cycles) {
-        *cycles =
-            int(0u - unsigned(TruncateToInt((result - value) / period +
-                                            (result > value ? 0.5f : -0.5f)))); // wraps, as the target's negation does
+        const int turns = TruncateToInt((result - value) / period + (result > value ? 0.5f : -0.5f));
+        *cycles = int(0u - unsigned(turns)); // wraps, as the target's negation does
     }
     return result;
 }
