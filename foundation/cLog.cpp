@@ -99,6 +99,7 @@ void cLog::Store(cStr entry) {
         cIO::SaveFile(s_AutoSaveFilePn, entry.Text(), unsigned(entry.Length()), true,
                       false); // a warning would log again
     }
+    s_Log.ReserveMore(entry.Length());
     s_Log.Append(entry);
 }
 

@@ -11,8 +11,8 @@ namespace trellis {
 
 /// One size of block. Chunks are never released: a bucket's footprint is the high-water mark of its use.
 struct cPool_Bucket {
-    int ItemSize;
-    int ItemsPerChunk;
+    int ItemSize = 0;
+    int ItemsPerChunk = 0;
     cList<unsigned char*> Chunks;
     cList<unsigned char*> FreeItems; ///< Shared part of the stack of free blocks; the top stands in the thread caches.
 };

@@ -153,6 +153,13 @@ void cStr::Reserve(long long need, bool keep) {
     }
 }
 
+void cStr::ReserveMore(int count) {
+    const long long need = 1LL + length + count;
+    if (need > capacity) {
+        Reserve(std::max(need, std::min(need + capacity, 1LL << 30)), true); // a length past an int throws
+    }
+}
+
 /// The first buffer, straight from the allocators, as most texts begin here.
 inline void cStr::ReserveFirst(int count) {
     if (count < SlotSize - 1) {

@@ -67,6 +67,10 @@ public:
     /// @param keep  carries the old text over; otherwise the new text is unspecified
     void Resize(int n, bool keep);
 
+    /// Makes room for `count` more bytes and keeps the text. When it has to grow it doubles, which the other operations
+    /// do not: for texts that are made of many pieces.
+    void ReserveMore(int count);
+
     /// Makes the text `n` times `c`; `n` below 1 frees the string.
     void SetLength(int n, char c = ' ');
 

@@ -22,6 +22,7 @@ public:
     /// @return the index of the name, the first in the sorted list when it was entered more than once; -1 for none
     int Find(const char* name) const;
 
+    void Clear() { m_Names.Clear(); } ///< Keeps the storage.
     void Free() { m_Names.Free(); }
     const cList<NameIndex>& GetNames() const { return m_Names; } ///< In the order of `cStr::Compare`.
 

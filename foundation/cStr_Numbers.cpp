@@ -1,7 +1,11 @@
 // Numbers out of text and back.
 #include "foundation/cStr.h"
 
+#include <bit>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <iterator>
 
 namespace trellis {
 
@@ -46,16 +50,77 @@ int TakeExponent(const char** s) {
     return minus ? -exponent : exponent;
 }
 
-/// value * 10^exponent, the power by repeated squaring from 10 in extended precision.
-float ScaleByPowerOfTen(float value, int exponent) {
+// 10^27 is the last power whose odd part, 5^27, fits the 64 bits of extended precision.
+constexpr long double s_ExactPowers[] = {1e0L,  1e1L,  1e2L,  1e3L,  1e4L,  1e5L,  1e6L,  1e7L,  1e8L,  1e9L,
+                                         1e10L, 1e11L, 1e12L, 1e13L, 1e14L, 1e15L, 1e16L, 1e17L, 1e18L, 1e19L,
+                                         1e20L, 1e21L, 1e22L, 1e23L, 1e24L, 1e25L, 1e26L, 1e27L};
+static_assert(std::size(s_ExactPowers) == 28);
+
+/// 10^exponent in extended precision; past the exact powers by repeated squaring from 10.
+long double PowerOfTen(int exponent) {
+    if (exponent < int(std::size(s_ExactPowers))) {
+        return s_ExactPowers[exponent];
+    }
     long double power = 1.0L;
     long double square = 10.0L;
-    for (int e = exponent < 0 ? -exponent : exponent; e > 0; e >>= 1, square *= square) {
+    for (int e = exponent; e > 0; e >>= 1, square *= square) {
         if (e & 1) {
             power *= square;
         }
     }
-    return float(exponent < 0 ? value / power : value * power);
+    return power;
+}
+
+float ScaleByPowerOfTen(float value, int exponent) {
+    return float(exponent < 0 ? value / PowerOfTen(-exponent) : value * PowerOfTen(exponent));
+}
+
+constexpr int MostDecimals = 9; // 24 bits of a float times 10^9 stay inside 64
+
+/// What printf gives for "%.*f": the float is an integer times a power of two, so the digits are worked out in
+/// integers, exactly, and a tie goes to the even digit.
+///
+/// @param decimals  in [0, MostDecimals]
+/// @param out       room for 24 characters
+/// @return their number, or 0 for a value that is left to printf: 2^31 and above, infinite, or not a number
+int FormatFixed(float value, int decimals, char* out) {
+    const auto bits = std::bit_cast<uint32_t>(value);
+    const int exponent = int(bits >> 23 & 0xFF);
+    if (exponent >= 127 + 31) {
+        return 0;
+    }
+    uint64_t scale = 1;
+    for (int i = 0; i < decimals; i++) {
+        scale *= 10;
+    }
+    const uint64_t mantissa = exponent ? (bits & 0x7FFFFF) | 0x800000 : bits & 0x7FFFFF;
+    const int shift = 150 - (exponent ? exponent : 1); // value = mantissa / 2^shift
+    uint64_t scaled;                                   // value * scale, rounded
+    if (shift <= 0) {
+        scaled = (mantissa << -shift) * scale;
+    } else if (shift > 62) {
+        scaled = 0; // below half of the last digit
+    } else {
+        const uint64_t exact = mantissa * scale;
+        const uint64_t half = uint64_t(1) << (shift - 1);
+        const uint64_t rest = exact & (2 * half - 1);
+        scaled = exact >> shift;
+        scaled += rest > half || (rest == half && (scaled & 1));
+    }
+    char* p = out;
+    if (bits >> 31) {
+        *p++ = '-'; // also in front of a zero
+    }
+    p = std::to_chars(p, p + 12, uint32_t(scaled / scale)).ptr;
+    if (decimals > 0) {
+        *p++ = '.';
+        auto fraction = uint32_t(scaled % scale);
+        for (int i = decimals - 1; i >= 0; i--, fraction /= 10) {
+            p[i] = char('0' + fraction % 10);
+        }
+        p += decimals;
+    }
+    return int(p - out);
 }
 
 template <class T, class Convert> cStr JoinNumbers(const T* v, int n, const char* sep, Convert convert) {
@@ -142,7 +207,20 @@ cStr cStr::ToString(const int* v, int n, const char* sep) {
 }
 
 cStr cStr::ToString(const float* v, int n, int precision, const char* sep) {
-    return JoinNumbers(v, n, sep, [precision](float value) { return Format("%.*f", precision, double(value)); });
+    cStr text;
+    for (int i = 0; i < n; i++) {
+        if (i > 0) {
+            text.Append(sep);
+        }
+        char digits[24];
+        const bool plain = precision >= 0 && precision <= MostDecimals;
+        if (const int count = plain ? FormatFixed(v[i], precision, digits) : 0) {
+            text.Append(digits, 0, count);
+        } else {
+            text.Append(Format("%.*f", precision, double(v[i])));
+        }
+    }
+    return text;
 }
 
 cStr cStr::ToString(const double* v, int n, int precision, const char* sep) {

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <climits>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -163,6 +165,19 @@ TEST(StrParse, NumberLists) {
     cList<float> floatList;
     EXPECT_TRUE(cStr::ToFloatArray("1.5;2 3e1", &floatList));
     EXPECT_EQ(std::vector<float>(floatList.begin(), floatList.end()), std::vector({1.5f, 2.0f, 30.0f}));
+}
+
+TEST(StrParse, FixedFloatsAreThoseOfPrintf) {
+    std::mt19937 random(3);
+    for (int i = 0; i < 200000; i++) {
+        uint32_t bits = random();
+        if (i % 3) { // around the range that takes part, with ties among them
+            bits = (bits & 0x807FF000u) | (110 + bits % 51) << 23;
+        }
+        const float value = std::bit_cast<float>(bits);
+        const int decimals = i % 11;
+        ASSERT_EQ(cStr::ToString(&value, 1, decimals), cStr::Format("%.*f", decimals, double(value))) << bits;
+    }
 }
 
 // Paths
