@@ -14,10 +14,10 @@ namespace {
 
 // Lists and pointers of any kind are known by the beginning of their class names.
 bool IsListName(const char* name) {
-    return name && cStr::Compare(name, "cClassList.", 11) == 0;
+    return name && name[0] == 'c' && cStr::Compare(name, "cClassList.", 11) == 0;
 }
 bool IsPointerName(const char* name) {
-    return name && cStr::Compare(name, "cClassPtr.", 10) == 0;
+    return name && name[0] == 'c' && cStr::Compare(name, "cClassPtr.", 10) == 0;
 }
 
 struct CurrentFile { // `CurrentSaveFile` for the time of one load or save
@@ -38,7 +38,7 @@ void cClass::Save(cXml& node, void* data, void* extra) {
         if (member && member->NoSave) {
             continue;
         }
-        auto* element = new cXml(walk.ID(i));
+        auto* element = walk.Table() ? new cXml(member->Name) : new cXml(walk.ID(i));
         node.AddSubQuote(element);
         void* address = walk.Ptr(i);
         void* elementExtra = walk.Extra(i);

@@ -343,13 +343,7 @@ private:
 };
 
 void cXml::Writer::Append(const char* s, int count) {
-    const long long need = 1LL + m_Out->Length() + count;
-    if (need > m_Out->Capacity()) {
-        // By itself a string grows to what it needs, and a large document would be copied at every flush. Half of the
-        // int's range is past what can be doubled.
-        const long long doubled = std::min(need + m_Out->Capacity(), 1LL << 30);
-        m_Out->Resize(int(std::min(std::max(need, doubled), 1LL * INT_MAX)), true); // throws for lengths past an int
-    }
+    m_Out->ReserveMore(count); // doubling; a large document would otherwise be copied at every flush
     m_Out->Append(s, 0, count);
 }
 

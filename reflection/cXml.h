@@ -26,6 +26,7 @@ class cXml {
 public:
     cXml() = default;
     explicit cXml(const char* name) : m_Name(name) {}
+    explicit cXml(const cStr& name) : m_Name(name) {}
     ~cXml();
     cXml(const cXml&) = delete;
     cXml& operator=(const cXml&) = delete;
@@ -71,6 +72,7 @@ public:
     const cStr& GetBody() const { return m_Body; }
     void Assign_string(const char* body) { m_Body = body; }
     void Assign_string(const cStr& body) { m_Body = body; }
+    void Assign_string(cStr&& body) { m_Body = std::move(body); }
     void Assign_int(int value);
 
     int GetNSubQuotes() const { return m_SubQuotes.Count(); }
