@@ -198,7 +198,8 @@ private:
         DeleteElements(doomed);
     }
 
-    // Removing a negative count lengthens the list. Slots behind the end may hold what was removed before, so they are
+    // Removing a negative count lengthens the list: callers of the reflected interface find the count subtracted,
+    // whatever its sign. Slots behind the end may hold what was removed before, so they are
     // cleared, and there are no more of them than the block has.
     void Lengthen(long long count) {
         const int before = this->Count();

@@ -90,15 +90,18 @@ void cClassPointersGarbage::Recycle(cOneClassPointer* record) {
 
 unsigned cClassPointersGarbage::AddClass(cClass* object) {
     const int branch = GetBranch(object->GetClassName());
-    if (const cOneClassPointer* held = RecordOf(object)) {
+    cStr* name = object->GetObjectNamePointer();
+    cOneClassPointer* held = GetPointer(object->GetObjectGlobalID());
+    if (held && held->Object == object) {
         // A derived class resets itself once for each of its bases, under a new class name each time. A second record
         // would leave the first with a dangling object.
-        if (int(held->ID >> BranchShift) == branch) {
+        if (name && int(held->ID >> BranchShift) == branch) {
+            held->NamePointer = name;
+            held->Root = object->GetRoot();
             return held->ID;
         }
-        DeleteClass(object);
+        Release(held);
     }
-    cStr* name = object->GetObjectNamePointer();
     cOneClassPointer* record = name ? Take(branch) : nullptr;
     if (!record) {
         object->SetObjectGlobalID(NoID);
@@ -113,10 +116,13 @@ unsigned cClassPointersGarbage::AddClass(cClass* object) {
 }
 
 void cClassPointersGarbage::DeleteClass(cClass* object) {
-    cOneClassPointer* record = RecordOf(object);
-    if (!record) {
-        return;
+    if (cOneClassPointer* record = RecordOf(object)) {
+        Release(record);
     }
+}
+
+/// The object of a record has gone. The record stays while there are references.
+void cClassPointersGarbage::Release(cOneClassPointer* record) {
     record->Object = nullptr;
     record->NamePointer = nullptr;
     if (record->RefCount == 0) {

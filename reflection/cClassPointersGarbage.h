@@ -68,6 +68,7 @@ private:
     cOneClassPointer* RecordOf(cClass* object) const;
     cOneClassPointer* Take(int branch);
     void Recycle(cOneClassPointer* record);
+    void Release(cOneClassPointer* record);
 
     static inline bool s_Closed = false;
 

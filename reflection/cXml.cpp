@@ -280,13 +280,13 @@ int cXml::Load(const char* text, int maxDepth) {
             if (open[1] != '/') {
                 break;
             }
-            // An end tag need only begin with the name.
+            // An end tag need only begin with the name: it was always compared so, and what could be read must be.
             const int length = level.Node->m_Name.Length();
             if (!SameBytes(level.Content - 1 - length, open + 2, length, end)) {
                 return -1;
             }
             close = open + 2 + length;
-            if (*close != '>') {
+            if (close == end || *close != '>') {
                 close = Find(close, end, '>');
                 if (!close) {
                     return -1;

@@ -57,8 +57,8 @@ public:
     void WriteToFile(cFile* file);      ///< Replaces the file's content.
     bool WriteToFile(const char* path); ///< The same through `cIO::SaveFile`, with a log entry.
 
-    /// Appends the text form. In bodies "<" becomes "&lt" and ">" becomes "&gt", without semicolons; "&" stays, so that
-    /// a body "&lt" comes back as "<". Names are written as they are.
+    /// Appends the text form. In bodies "<" becomes "&lt" and ">" becomes "&gt", without semicolons, as in all files
+    /// there are; "&" stays, so that a body "&lt" comes back as "<". Names are written as they are.
     ///
     /// @param depth  indentation of this node, in blanks
     /// @param limit  stop after that many bytes or a little later; what stands in `out` before counts
@@ -68,7 +68,9 @@ public:
     const cStr& GetName() const { return m_Name; }
     void SetQuoteName(const char* name) { m_Name = name; }
 
-    const char* Get_string() const { return m_Body.Text(); } ///< The body, unescaped; never null.
+    const char* Get_string() const {
+        return m_Body.IsEmpty() ? &cStr::def_str : m_Body.Text();
+    } ///< The body, unescaped.
     const cStr& GetBody() const { return m_Body; }
     void Assign_string(const char* body) { m_Body = body; }
     void Assign_string(const cStr& body) { m_Body = body; }
