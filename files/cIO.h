@@ -10,9 +10,11 @@
 namespace trellis {
 
 class cAnim;
+class cBsp;
 class cCamera;
 class cFile;
 class cImage;
+class cMat4;
 class cModel;
 
 /// What the dialogs of a kind open with. A dialog that was accepted leaves its folder and file name here.
@@ -120,6 +122,8 @@ public:
         bool (*ShowSelectFolder)(const char* title, const char* initialFolder, cStr* folder) = nullptr;
         bool (*SetClipboardText)(const char* text) = nullptr;
         bool (*GetClipboardText)(cStr* text) = nullptr;
+        bool (*SetClipboardImage)(const cImage& image) = nullptr;
+        bool (*GetClipboardImage)(cImage* image) = nullptr;
         bool (*Explore)(const char* path) = nullptr; ///< Shows a folder, or a file in its folder.
     };
     static void SetHost(const Host& host);
@@ -317,8 +321,69 @@ public:
 
     static bool CopyToClipboard(const char* text);
     static bool CopyFromClipboard(cStr* text); ///< False, and an empty text, when there is none.
+    static bool CopyToClipboard(const cImage& image);
+    static bool CopyFromClipboard(cImage* image); ///< False, and an empty image, when there is none.
+
+    // ---- Assets. What is loaded goes by its extension to a codec, without regard to case; what cannot be loaded, or
+    // not be decoded, costs a warning. The log knows files by their path relative to the read folder.
+
+    static bool LoadImage(const char* path, cImage* image);
+    static bool LoadModel(const char* path, cModel* model);
+    static bool LoadAnim(const char* path, cAnim* anim);
+    static bool LoadCamera(const char* path, cCamera* camera);
+    static bool LoadBsp(const char* path, cBsp* bsp); ///< The extension is "cBsp" by default.
+
+    /// Without an extension, or a codec for it, false without a word. An object that encodes to nothing is no file.
+    static bool SaveImage(const char* path, const cImage& image);
+    static bool SaveModel(const char* path, const cModel& model);
+    static bool SaveAnim(const char* path, const cAnim& anim);
+    static bool SaveCamera(const char* path, const cCamera& camera);
+    static bool SaveBsp(const char* path, const cBsp& bsp);
+
+    // The registry. An ID stays what it is until everything of its kind is freed, whatever happens to the data behind
+    // it: that can be unloaded, comes back with the next access, and is loaded anew into the same object when its file
+    // has changed. All of it belongs to the main thread.
+
+    /// @param proxy  the same file is kept once as a model and once as a proxy
+    /// @return -1 when it cannot be loaded
+    static int GetModelID(const char* path, bool proxy);
+
+    /// @param selector  frame rate to sample the clip at; below 1, its own
+    static int GetAnimID(const char* path, int selector, const cMat4& transform);
+    static int GetCameraID(const char* path);
+
+    // Null for an ID that is none, and for an asset that was unloaded and cannot be loaded any more.
+    static const cModel* GetModelPtr(int id);
+    static const cAnim* GetAnimPtr(int id);
+    static cAnim* GetAnimMutablePtr(int id);
+    static const cCamera* GetCameraPtr(int id);
+    static const char* GetModelFilePn(int id); ///< Relative to the read folder; "" for an ID that is none.
+    static const char* GetAnimFilePn(int id);
+
+    // On failure the old data stay.
+    static bool ReloadModel(int id);
+    static bool ReloadModel(const char* path); ///< Every entry of that path. @return whether any could be reloaded
+    static void ReloadModels();
+    static bool ReloadAnim(int id);
+    static bool ReloadAnim(const char* path);
+    static void ReloadAnims();
+    static bool ReloadCamera(int id);
+    static bool ReloadCamera(const char* path);
+    static void ReloadCameras();
+    static void UnloadModels();
+    static void UnloadAnims();
+    static void UnloadCameras();
+    static void FreeModels(); ///< Their IDs are invalid from here on.
+    static void FreeAnims();
+    static void FreeCameras();
 
     // ---- Codecs, in the order of addition
+
+    /// Takes over a codec for an extension, unless that has one: the codec then stays the caller's.
+    static void AddCodec(const char* extension, ImageCodec* codec);
+    static void AddCodec(const char* extension, ModelCodec* codec);
+    static void AddCodec(const char* extension, AnimCodec* codec);
+    static void AddCodec(const char* extension, CameraCodec* codec);
 
     static const cList<ImageCodecInfo>& GetImageCodecs();
     static const cList<ModelCodecInfo>& GetModelCodecs();

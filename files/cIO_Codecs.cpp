@@ -1,6 +1,10 @@
 // The codec tables, and the codecs that come with the framework.
-#include "files/cIO_Internal.h"
+#include "files/cIO_Assets.h"
 #include "foundation/cImmortal.h"
+#include "image/cCodecBmp.h"
+#include "image/cCodecDds.h"
+#include "image/cCodecPvr.h"
+#include "image/cCodecTga.h"
 
 namespace trellis {
 
@@ -18,8 +22,27 @@ constinit cList<cIO::ModelCodecInfo>& cIO_ModelCodecs = s_ModelCodecsStore.Value
 constinit cList<cIO::AnimCodecInfo>& cIO_AnimCodecs = s_AnimCodecsStore.Value;
 constinit cList<cIO::CameraCodecInfo>& cIO_CameraCodecs = s_CameraCodecsStore.Value;
 
-// Each format brings its codec along; there is no format in the library yet.
-void cIO_AddBuiltInCodecs() {}
+// Codecs are never destroyed, like the tables that point at them.
+void cIO_AddBuiltInCodecs() {
+    static cImmortal<cCodecDds> s_Dds;
+    static cImmortal<cCodecBmp> s_Bmp;
+    static cImmortal<cCodecPvr> s_Pvr;
+    static cImmortal<cCodecTga> s_Tga;
+    cIO::AddCodec("Dds", &s_Dds.Value);
+    cIO::AddCodec("Bmp", &s_Bmp.Value);
+    cIO::AddCodec(cCodecPvr::FileExtension, &s_Pvr.Value);
+    cIO::AddCodec("Tga", &s_Tga.Value);
+}
+
+cStr cIO_RelativePath(const char* path) {
+    cStr name = cIO::EnsureAbsolutePath(path);
+    const cStr& root = cIO::GetDefaultSourceFolder();
+    if (name.Length() > root.Length() && cStr::ComparePath(name, root, root.Length()) == 0) {
+        name.Remove(0, root.Length());
+        name.TrimStart("/\\");
+    }
+    return name;
+}
 
 const cList<cIO::ImageCodecInfo>& cIO::GetImageCodecs() {
     cIO_Init();

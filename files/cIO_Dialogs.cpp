@@ -195,6 +195,10 @@ bool cIO::CopyFromClipboard(cStr* text) {
     return !text->IsEmpty();
 }
 
+const cIO::Host& cIO_GetHost() {
+    return s_Host;
+}
+
 bool cIO::Explore(const char* path) {
     return s_Host.Explore && s_Host.Explore(cIO_FindForReading(path));
 }

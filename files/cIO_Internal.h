@@ -25,6 +25,8 @@ extern cList<cIO::CameraCodecInfo>& cIO_CameraCodecs;
 /// The set-up, at the first call only. Everything that it calls may come back here.
 void cIO_Init();
 
+const cIO::Host& cIO_GetHost(); ///< What `cIO::SetHost` was given.
+
 /// Registers the codecs of the framework's own formats.
 void cIO_AddBuiltInCodecs();
 

@@ -1,0 +1,88 @@
+// What the four kinds of asset share: tables by extension, loading and saving through them.
+#pragma once
+
+#include "files/cFile.h"
+#include "files/cIO_Internal.h"
+#include "foundation/cLog.h"
+
+namespace trellis {
+
+/// A path as the log and the registry know it: relative to the read folder where it lies under that.
+cStr cIO_RelativePath(const char* path);
+
+/// The codec for a path's extension, without regard to case; null for none.
+template <class Info> auto* cIO_FindCodec(const cList<Info>& codecs, const cStr& path) {
+    const cStr extension = path.GetFileExtension();
+    for (const Info& info : codecs) {
+        if (cStr::EqualsNoCase(&info.Extension, &extension)) {
+            return info.Codec;
+        }
+    }
+    return decltype(codecs[0].Codec){};
+}
+
+/// The first registration of an extension wins.
+///
+/// @param word  what the codec is for and what it can do, as in "image codec."
+/// @return false when the extension was there; the codec stays the caller's
+template <class Info, class Codec>
+bool cIO_AddCodecTo(cList<Info>& codecs, const char* extension, Codec* codec, const char* word) {
+    const cStr wanted(extension);
+    for (const Info& info : codecs) {
+        if (cStr::EqualsNoCase(&info.Extension, &wanted)) {
+            return false;
+        }
+    }
+    codecs.Add({wanted, codec});
+    cLog::Message("Added \"%s\" %s", wanted.Text(), word);
+    return true;
+}
+
+/// @param kind  as in "Can't load model file"
+template <class Info, class Asset>
+bool cIO_LoadAsset(const char* path, Asset* asset, const cList<Info>& codecs, const char* kind) {
+    const cStr relative = cIO_RelativePath(path);
+    cFile file;
+    if (!cIO::LoadFile(relative, &file, false)) {
+        cLog::Warning("Can't load %s file \"%s\"", kind, relative.Text());
+        return false;
+    }
+    auto* codec = cIO_FindCodec(codecs, relative); // an unknown extension cannot be decoded, as far as anyone cares
+    if (!codec || !codec->Decode(file, asset)) {
+        cLog::Warning("Can't decode %s file \"%s\"", kind, relative.Text());
+        return false;
+    }
+    cLog::Message("Loaded %s file \"%s\"", kind, relative.Text());
+    return true;
+}
+
+/// @param what  as in "Can't encode model file"
+template <class Info, class Asset>
+bool cIO_SaveAsset(const char* path, const Asset& asset, const cList<Info>& codecs, const char* what) {
+    const cStr name(path);
+    auto* codec = name.GetFileExtension().IsEmpty() ? nullptr : cIO_FindCodec(codecs, name);
+    if (!codec) {
+        return false;
+    }
+    cFile file;
+    if (!codec->Encode(asset, &file)) {
+        cLog::Warning("Can't encode %s \"%s\"", what, name.Text());
+        return false;
+    }
+    return file.GetSize() == 0 || cIO::SaveFile(name, file, false, true);
+}
+
+/// The registry of one kind of asset. An entry's object is null while it is unloaded; its position is the ID, which
+/// lasts until everything is freed.
+template <class Entry> Entry* cIO_FindEntry(cList<Entry*>& entries, int id) {
+    return id >= 0 && id < entries.Count() ? entries[id] : nullptr;
+}
+
+template <class Entry> void cIO_FreeEntries(cList<Entry*>& entries) {
+    for (Entry* entry : entries) {
+        delete entry;
+    }
+    entries.Free();
+}
+
+} // namespace trellis
