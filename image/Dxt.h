@@ -26,7 +26,8 @@ struct Pixels {
 };
 void DecodeBlock(cFormat::Enum format, const unsigned char* block, Pixels& out); ///< `Dxt1`, `Dxt3` or `Dxt5`.
 
-/// The same in plain C++, for blocks of any extent. The ones above take it for blocks below 4 by 4.
+/// The same in plain C++, for blocks of any extent. The ones above take it for blocks below 4 by 4, `DecodeBlock` for
+/// `Dxt3` and for six alphas.
 namespace plain {
 void DecodeBlock(cFormat::Enum format, const unsigned char* block, Pixels& out);
 uint64_t EncodeDXTColorBlock(int blockWidth, int blockHeight, int pixelStride, int rowStride,

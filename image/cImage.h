@@ -161,13 +161,14 @@ public:
     bool CreateMipMaps(int levels);
     void RemoveMipMaps(); ///< All levels but the first.
 
-    /// Turns a height map into a normal map, wrapping at the edges as a tile does.
+    /// Turns a height map into a normal map, wrapping at the edges as a tile does. Lower levels go, sides become powers
+    /// of two as by `MakePowerOfTwo`; volumes take a scale of 1.
     ///
     /// @param format     2D: `Rg8` (y, x) or `Rgba8` (x, y, z, height); 3D: `Rgb8` or `Rgba8`
     /// @param keepAlpha  an `Rgba8` image keeps its own alpha instead of the height
     bool ToNormalMap(cFormat::Enum format, float scale, bool keepAlpha);
 
-    /// Mirrors top to bottom, at every level. False for depth formats, and, with a warning, for a compressed image with
+    /// Mirrors top to bottom, at every level. False for depth and Pvr formats, and, with a warning, for a compressed image with
     /// a side that is no multiple of 4.
     bool Flip();
 

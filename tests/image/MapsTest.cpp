@@ -157,6 +157,23 @@ TEST(Maps, NormalOfAFlatImage) {
     EXPECT_EQ(BlockSize(blocks), 16 * 8 * 2);
 }
 
+TEST(Maps, NormalTakesOtherSidesAndKeepsDecodedAlpha) {
+    constexpr int sides[][4] = {{6, 4, 8, 4}, {5, 4, 4, 4}}; // 3 * 8 is not above 4 * 6, but above 4 * 5
+    for (const auto& c : sides) {
+        cImage image = Scrambled(cFormat::R8, c[0], c[1], 1, 1);
+        ASSERT_TRUE(image.ToNormalMap(cFormat::Rgba8, 1, false));
+        EXPECT_EQ(image.GetWidth(), c[2]);
+        EXPECT_EQ(image.GetHeight(), c[3]);
+    }
+    EXPECT_FALSE(Scrambled(cFormat::R8, 6, 6, 0, 1).ToNormalMap(cFormat::Rgba8, 1, false)) << "a cube is not resized";
+    cImage blocks = Scrambled(cFormat::Dxt5, 4, 4, 1, 1), decoded = blocks;
+    decoded.Uncompress();
+    ASSERT_TRUE(blocks.ToNormalMap(cFormat::Rgba8, 1, true));
+    for (int i = 3; i < 64; i += 4) {
+        EXPECT_EQ(blocks.GetPixels()[i], decoded.GetPixels()[i]);
+    }
+}
+
 TEST(Maps, NormalRefusals) {
     constexpr struct {
         cFormat::Enum From, To;
