@@ -348,7 +348,7 @@ public:
     /// @return -1 when it cannot be loaded
     static int GetModelID(const char* path, bool proxy);
 
-    /// @param selector  frame rate to sample the clip at; below 1, its own
+    /// @param selector  frame rate to sample the clip at; below 1: whatever was asked for first, or else its own
     static int GetAnimID(const char* path, int selector, const cMat4& transform);
     static int GetCameraID(const char* path);
 
@@ -379,7 +379,7 @@ public:
 
     // ---- Codecs, in the order of addition
 
-    /// Takes over a codec for an extension, unless that has one: the codec then stays the caller's.
+    /// Registers a codec for an extension, unless that has one. It must live to the end of the process.
     static void AddCodec(const char* extension, ImageCodec* codec);
     static void AddCodec(const char* extension, ModelCodec* codec);
     static void AddCodec(const char* extension, AnimCodec* codec);

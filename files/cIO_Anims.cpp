@@ -73,13 +73,13 @@ int cIO::GetAnimID(const char* path, int selector, const cMat4& transform) {
     entry->Transform = transform;
     for (int i = 0; i < cIO_Anims.Count(); i++) {
         const cIO_Anim& known = *cIO_Anims[i];
-        if (cStr::ComparePath(known.Path, entry->Path) != 0 || !IsNear(known.Transform, transform)) {
+        if (cStr::ComparePath(known.Path, entry->Path) != 0) {
             continue;
         }
         if (!known.Anim) {
             ReloadAnim(i); // its frame rate is asked for
         }
-        if (Matches(known, entry->Selector)) {
+        if (IsNear(known.Transform, transform) && Matches(known, entry->Selector)) {
             return i;
         }
     }

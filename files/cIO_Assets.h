@@ -5,6 +5,8 @@
 #include "files/cIO_Internal.h"
 #include "foundation/cLog.h"
 
+#include <new>
+
 namespace trellis {
 
 /// A path as the log and the registry know it: relative to the read folder where it lies under that.
@@ -38,7 +40,8 @@ bool cIO_AddCodecTo(cList<Info>& codecs, const char* extension, Codec* codec, co
     return true;
 }
 
-/// @param kind  as in "Can't load model file"
+/// @param asset  empty when it cannot be decoded
+/// @param kind   as in "Can't load model file"
 template <class Info, class Asset>
 bool cIO_LoadAsset(const char* path, Asset* asset, const cList<Info>& codecs, const char* kind) {
     const cStr relative = cIO_RelativePath(path);
@@ -48,7 +51,13 @@ bool cIO_LoadAsset(const char* path, Asset* asset, const cList<Info>& codecs, co
         return false;
     }
     auto* codec = cIO_FindCodec(codecs, relative); // an unknown extension cannot be decoded, as far as anyone cares
-    if (!codec || !codec->Decode(file, asset)) {
+    bool decoded = false;
+    try {
+        decoded = codec && codec->Decode(file, asset);
+    } catch (const std::bad_alloc&) { // a small file may stand for more than there is room for
+    }
+    if (!decoded) {
+        asset->Free();
         cLog::Warning("Can't decode %s file \"%s\"", kind, relative.Text());
         return false;
     }
@@ -65,7 +74,12 @@ bool cIO_SaveAsset(const char* path, const Asset& asset, const cList<Info>& code
         return false;
     }
     cFile file;
-    if (!codec->Encode(asset, &file)) {
+    bool encoded = false;
+    try {
+        encoded = codec->Encode(asset, &file);
+    } catch (const std::bad_alloc&) {
+    }
+    if (!encoded) {
         cLog::Warning("Can't encode %s \"%s\"", what, name.Text());
         return false;
     }

@@ -36,7 +36,8 @@ void cIO_AddBuiltInCodecs() {
 
 cStr cIO_RelativePath(const char* path) {
     cStr name = cIO::EnsureAbsolutePath(path);
-    const cStr& root = cIO::GetDefaultSourceFolder();
+    cStr root = cIO::GetDefaultSourceFolder();
+    root.TrimEnd("/\\"); // with a slash at its end it would be no whole component
     if (name.Length() > root.Length() && cStr::ComparePath(name, root, root.Length()) == 0) {
         name.Remove(0, root.Length());
         name.TrimStart("/\\");

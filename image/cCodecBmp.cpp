@@ -149,7 +149,7 @@ bool cCodecBmp::Decode(const cFile& file, cImage* out) {
             return false;
         }
     }
-    // Pixels are taken to follow here, whatever their offset in the header says.
+    // Pixels are taken to follow here, whatever their offset in the header says: files in use have it wrong.
     const bool topDown = height < 0;
     const int rows = topDown ? -height : height;
     const long long rowBytes = FileRowBytes(bits, width);
@@ -176,7 +176,7 @@ bool cCodecBmp::Decode(const cFile& file, cImage* out) {
 bool cCodecBmp::Encode(const cImage& image, cFile* out) {
     const cFormat::Enum format = image.GetFormat();
     const int width = image.GetWidth(), height = image.GetHeight();
-    if ((format != cFormat::R8 && format != cFormat::Rgb8 && format != cFormat::Rgba8) || image.IsEmpty()) {
+    if ((format != cFormat::R8 && format != cFormat::Rgb8 && format != cFormat::Rgba8) || !image.GetPixels()) {
         return false;
     }
     const int channels = cFormat::ChannelCount[format];

@@ -120,6 +120,7 @@ void FillPixelFormat(cFormat::Enum format, uint32_t* header) {
     header[Bits] = format == cFormat::R16 ? 16 : uint32_t(channels) * 8;
     header[RedMask] = format == cFormat::R16 ? 0xFFFF : channels <= 2 ? 255 : 0xFF0000;
     if (channels > 1) {
+        // Two channels have the masks of four and of luminance at once; readers tell them by the alpha mask.
         header[GreenMask] = 0xFF00;
         header[BlueMask] = 255;
         header[AlphaMask] = channels == 4 ? 0xFF000000 : channels == 2 ? 0xFF00 : 0;
@@ -171,7 +172,7 @@ bool cCodecDds::Decode(const cFile& file, cImage* out) {
 
 bool cCodecDds::Encode(const cImage& image, cFile* out) {
     const cFormat::Enum format = image.GetFormat();
-    if (image.IsEmpty() || image.GetWidth() < 1 || format < cFormat::R8 || format >= cFormat::Count ||
+    if (!image.GetPixels() || image.GetWidth() < 1 || format < cFormat::R8 || format >= cFormat::Count ||
         (format > cFormat::R16 && CodeOf(format) == 0)) {
         return false;
     }

@@ -164,7 +164,8 @@ template <class Pixel> bool Load(const Pixel& kind, const cFile& file, const uns
 
 bool cCodecTga::Decode(const cFile& file, cImage* out) {
     out->Free();
-    // An ID field or a colour map's mark: what else is in such files was never supported.
+    // An ID field or a colour map's mark: such files have been refused always, our own of 8 bits among them, and what
+    // they would look like here nobody has decided.
     unsigned char start[2];
     const int position = file.GetPos();
     if (BytesLeft(file) > 2 && file.ReadBytes(start, 2) == 2) {
@@ -200,7 +201,7 @@ bool cCodecTga::Decode(const cFile& file, cImage* out) {
 bool cCodecTga::Encode(const cImage& image, cFile* out) {
     const cFormat::Enum format = image.GetFormat();
     const int width = image.GetWidth(), height = image.GetHeight();
-    if ((format != cFormat::R8 && format != cFormat::Rgb8 && format != cFormat::Rgba8) || image.IsEmpty() ||
+    if ((format != cFormat::R8 && format != cFormat::Rgb8 && format != cFormat::Rgba8) || !image.GetPixels() ||
         width < 0 || height < 0 || width > USHRT_MAX || height > USHRT_MAX) {
         return false;
     }

@@ -80,7 +80,7 @@ public:
     static constexpr int ExpandWithDerived = 2;  ///< Classes derived from it can be added.
     static constexpr int ExpandAnywhere = 0x100; ///< At every element, not at the pseudo-element only.
 
-    /// Files whose elements are nested deeper are refused: loading an object recurses with its file.
+    /// Files whose elements are nested deeper are refused, and not written either: loading recurses with the file.
     static constexpr int MaxFileDepth = 1000;
 
     cClass() = default;

@@ -12,7 +12,7 @@ bool cClass::CheckIfElementIsNode(int i, void* data) {
     cClass* object = Target(data);
     cClass* elementClass = object->GetElementClass(i);
     void* element = elementClass ? object->GetElementPtr(i, data) : nullptr;
-    return element && elementClass->GetAmountOfEditableElements(element, ShowAll) > 0;
+    return element && element != data && elementClass->GetAmountOfEditableElements(element, ShowAll) > 0;
 }
 
 /// Whether an element counts among the nodes rather than among the properties.

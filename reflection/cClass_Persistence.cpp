@@ -20,6 +20,19 @@ bool IsPointerName(const char* name) {
     return name && name[0] == 'c' && cStr::Compare(name, "cClassPtr.", 10) == 0;
 }
 
+bool IsDeeperThan(const cXml& node, int depth) {
+    if (depth < 1) {
+        return true;
+    }
+    for (int i = 0; i < node.GetNSubQuotes(); i++) {
+        const cXml* child = node.GetSubQuote(i);
+        if (child && IsDeeperThan(*child, depth - 1)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 struct CurrentFile { // `CurrentSaveFile` for the time of one load or save
     explicit CurrentFile(const char* path) { cClass::CurrentSaveFile = path; }
     ~CurrentFile() { cClass::CurrentSaveFile = nullptr; }
@@ -175,6 +188,7 @@ bool cClass::WriteToFile(cFile* file) {
     const CurrentFile current("");
     cXml saved;
     Save(saved, this, nullptr);
+    saved.SetList(IsListName(GetClassName())); // as `Save` does for members
     if (ShouldSaveInShortForm()) {
         // Defaults are stored nowhere: they are what a fresh object says now. It takes on the shape of this object, so
         // that its lists are as long, and is then reset to defaults without losing the elements of its lists.
@@ -197,12 +211,17 @@ bool cClass::WriteToFile(cFile* file) {
         } while (changed);
     }
     SaveInShortForm = false;
+    if (IsDeeperThan(saved, MaxFileDepth)) {
+        cClassPrintError("nested too deep to be read back: \"%s\"", saved.GetQuoteName());
+        return false;
+    }
     saved.WriteToFile(file);
     return true;
 }
 
 // By position, not by name: two trees of one class in step. Names may stand twice. Only in lists can the trees be out
-// of step, behind a null element, which a fresh list lacks: elements of two classes have nothing to compare.
+// of step, behind a null element, which a fresh list lacks: elements of two classes have nothing to compare. And a list
+// that is empty differs from one that is not by default, though both have an empty body.
 void cClass_ShortForm(cXml* saved, cXml* defaults, bool* changed) {
     for (int i = 0; i < saved->GetNSubQuotes();) {
         cXml* a = i < defaults->GetNSubQuotes() ? saved->GetSubQuote(i) : nullptr;
@@ -212,7 +231,7 @@ void cClass_ShortForm(cXml* saved, cXml* defaults, bool* changed) {
         } else if (a->GetNSubQuotes() > 0) {
             cClass_ShortForm(a, b, changed);
             i++;
-        } else if (a->GetBody() == b->GetBody() && !saved->IsList()) {
+        } else if (a->GetBody() == b->GetBody() && !saved->IsList() && !(a->IsList() && b->GetNSubQuotes() > 0)) {
             saved->DelSubQuote(i);
             defaults->DelSubQuote(i);
             *changed = true;

@@ -29,6 +29,9 @@ bool cOneClassMemberInfo::IsDirectCasting() const {
 }
 
 void cOneClassMemberInfo::Save(cXml* node) const {
+    if (m_Data == m_Parent && m_Data) {
+        return; // a button or a heading: saving it as an object would save its owner
+    }
     if (m_Class && !m_Data) {
         node->Assign_string("NULL");
     } else if (m_Class) {

@@ -55,7 +55,7 @@ void cOneClassStorage::LinkMemberObjects(cClass* object) const {
     }
     for (const int i : m_ObjectMembers) {
         void* member = Members[i]->Address(object);
-        if (member != object) { // a member without data
+        if (member && member != object) { // otherwise one without data
             static_cast<cClass*>(member)->SetParent(object);
         }
     }

@@ -132,7 +132,9 @@ TEST_F(Assets, LoadingAndSavingSayWhatHappened) {
               std::string::npos);
 
     const std::string out = m_Folder + "out.fakem";
-    EXPECT_TRUE(cIO::SaveModel(out.c_str(), model)); // of three joints, by the first case
+    EXPECT_EQ(model.Joints.Count(), 0) << "nothing is left of a failure";
+    EXPECT_TRUE(cIO::LoadModel(good, &model));
+    EXPECT_TRUE(cIO::SaveModel(out.c_str(), model));
     model.Joints.SetCount(0);
     EXPECT_TRUE(cIO::LoadModel(out.c_str(), &model));
     EXPECT_EQ(model.Joints.Count(), 3);
@@ -181,6 +183,27 @@ TEST_F(Assets, IdsOutliveTheDataBehindThem) {
               "Reloaded 0 Static Models, 0 Anim Models, 0 Static Proxies, 0 Anim Proxies.\r\n");
 }
 
+/// What a hostile file drives a decoder into.
+class GreedyImages : public cIO::ImageCodec {
+public:
+    bool Decode(const cFile&, cImage* out) override {
+        out->Create(cFormat::R8, 1, 1, 1, 1);
+        throw std::bad_alloc();
+    }
+    bool Encode(const cImage&, cFile*) override { throw std::bad_alloc(); }
+} s_Greedy;
+
+TEST_F(Assets, NoMemoryIsAnAnswer) {
+    cIO::AddCodec("greedy", &s_Greedy);
+    Put(Read("a.greedy"), "x");
+    cImage image;
+    bool ok = true;
+    EXPECT_EQ(Logged([&] { ok = cIO::LoadImage("a.greedy", &image); }), "Can't decode image file \"a.greedy\"\r\n");
+    EXPECT_FALSE(ok);
+    EXPECT_TRUE(image.IsEmpty());
+    EXPECT_EQ(Logged([&] { ok = cIO::SaveImage("a.greedy", image); }), "Can't encode image \"a.greedy\"\r\n");
+}
+
 TEST_F(Assets, PathsUnderTheReadFolderAreOneHoweverTheyAreGiven) {
     const cStr absolute = Read("assets_test.fakeM").c_str();
     Put(absolute.Text(), "1");
@@ -188,6 +211,8 @@ TEST_F(Assets, PathsUnderTheReadFolderAreOneHoweverTheyAreGiven) {
     ASSERT_NE(id, -1);
     EXPECT_EQ(cIO::GetModelID(absolute, false), id);
     EXPECT_STREQ(cIO::GetModelFilePn(id), "assets_test.fakeM");
+    Source()->SetPath((Read() + "/").c_str());
+    EXPECT_EQ(cIO::GetModelID(absolute, false), id) << "with a slash at the folder's end";
 }
 
 TEST_F(Assets, AnimationsAreOneByPathRateAndTransform) {
@@ -208,6 +233,10 @@ TEST_F(Assets, AnimationsAreOneByPathRateAndTransform) {
     EXPECT_NE(Logged([] { cIO::UnloadAnims(); }).find("Unloaded 3 Anims."), std::string::npos);
     EXPECT_EQ(cIO::GetAnimID(path, 24, cMat4::Identity), id) << "comes back to be compared";
     EXPECT_EQ(cIO::GetAnimMutablePtr(id)->FrameRate, 24);
+    File("a.fakeA", "25");
+    EXPECT_TRUE(cIO::ReloadAnim(path));
+    EXPECT_EQ(cIO::GetAnimPtr(other)->FrameRate, 25);
+    EXPECT_NE(Logged([] { cIO::ReloadAnims(); }).find("Reloaded 3 Anims."), std::string::npos);
 
     const cStr camera = File("c.fakeC", "30");
     EXPECT_EQ(cIO::GetCameraID(camera), 0);
@@ -215,6 +244,7 @@ TEST_F(Assets, AnimationsAreOneByPathRateAndTransform) {
     cIO::UnloadCameras();
     ASSERT_NE(cIO::GetCameraPtr(0), nullptr);
     EXPECT_EQ(cIO::GetCameraPtr(0)->FrameRate, 30);
+    EXPECT_TRUE(cIO::ReloadCamera(camera));
     EXPECT_NE(Logged([] { cIO::ReloadCameras(); }).find("Reloaded 1 Cameras."), std::string::npos);
 }
 

@@ -394,5 +394,14 @@ TEST(Dds, CubesAreStoredFaceByFace) { // in the file 2 by 2 and 1 by 1 of each f
     EXPECT_EQ(Decode(s_Dds, cube + stored), expected + Hex("0A 0B 0C 0D 0E 0F"));
 }
 
+TEST(Codecs, NothingWritesAnImageWithoutLevels) {
+    cImage image(cFormat::Rgb8, 4, 4, 1, 0);
+    cFile file;
+    EXPECT_FALSE(cCodecBmp().Encode(image, &file));
+    EXPECT_FALSE(cCodecTga().Encode(image, &file));
+    EXPECT_FALSE(cCodecDds().Encode(image, &file));
+    EXPECT_EQ(file.GetSize(), 0);
+}
+
 } // namespace
 } // namespace trellis

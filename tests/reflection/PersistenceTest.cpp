@@ -188,6 +188,60 @@ TEST(Persistence, FilesByPathAndWhatTheySayOfThemselves) {
     std::remove(path.c_str());
 }
 
+/// Holds lists of itself, and one light by default.
+class cNest : public cClass {
+    TRELLIS_CLASS(cNest)
+
+public:
+    void CustomCtor() override {
+        if (Lights.GetAmountOfElements() == 0) {
+            Lights.Add(new cLight);
+        }
+    }
+    cClassList<cNest> Nests;
+    cClassList<cLight> Lights;
+};
+
+void cNest::RegisterMembers() {
+    cClassMembers members(this);
+    if (members.Begin()) {
+        members.AddObject(Nests, "Nests");
+        members.AddObject(Lights, "Lights");
+    }
+}
+
+TEST(Persistence, ListsAsRootsAndListsEmptiedAndListsTooDeep) {
+    cClassList<cLight> list;
+    list.Add(new cLight);
+    list.Add(new cLight);
+    list.Get(1)->Power = 3;
+    const std::string text = Written(list);
+    EXPECT_EQ(text, "<cClassList.cLight>\n <cLight></cLight>\n <cLight>\n  <Power>3</Power>\n </cLight>\n"
+                    "</cClassList.cLight>\n");
+    cClassList<cLight> back;
+    EXPECT_EQ(LogOf(back, text.c_str()), "");
+    EXPECT_EQ(back.Count(), 2);
+
+    cNest nest;
+    nest.Lights.RemoveAt(0);
+    EXPECT_EQ(Written(nest), "<cNest>\n <Lights></Lights>\n</cNest>\n") << "not the default";
+
+    for (const int levels : {498, 499}) { // two elements each, and three for the root and the innermost light
+
+        cNest root;
+        cNest* at = &root;
+        for (int i = 0; i < levels; i++) {
+            auto* inner = new cNest;
+            at->Nests.Add(inner);
+            at = inner;
+        }
+        cStr deep;
+        const bool fits = 2 * levels + 3 <= cClass::MaxFileDepth;
+        EXPECT_EQ(root.WriteToString(&deep), fits);
+        EXPECT_EQ(cNest().ReadFromString(deep), fits);
+    }
+}
+
 TEST(Persistence, NullElementsDoNotShiftTheOthersDefaults) {
     cRoom room;
     room.Lights.Add(nullptr);
