@@ -394,7 +394,7 @@ TEST(Dds, CubesAreStoredFaceByFace) { // in the file 2 by 2 and 1 by 1 of each f
     EXPECT_EQ(Decode(s_Dds, cube + stored), expected + Hex("0A 0B 0C 0D 0E 0F"));
 }
 
-TEST(Codecs, NothingWritesAnImageWithoutLevels) {
+TEST(ImageCodec, NothingWritesAnImageWithoutLevels) {
     cImage image(cFormat::Rgb8, 4, 4, 1, 0);
     cFile file;
     EXPECT_FALSE(cCodecBmp().Encode(image, &file));
