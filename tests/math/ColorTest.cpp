@@ -18,18 +18,12 @@ TEST(Color, NamesOfTheWeb) { // samples of CSS Colors Level 3
         const char* Web;
     } cases[] = {{cColor::Red, "#ff0000"},
                  {cColor::AliceBlue, "#f0f8ff"},
-                 {cColor::DarkSlateGrey, "#2f4f4f"},
-                 {cColor::Fuchsia, "#ff00ff"},
-                 {cColor::Aqua, "#00ffff"},
-                 {cColor::PapayaWhip, "#ffefd5"},
-                 {cColor::MediumSeaGreen, "#3cb371"},
                  {cColor::YellowGreen, "#9acd32"},
                  {cColor::Silver, "#c0c0c0"}};
     for (const auto& c : cases) {
         EXPECT_STREQ(c.Color.ToWebColor(), c.Web);
         EXPECT_EQ(c.Color.a, 1);
     }
-    EXPECT_EQ(cColor::Grey, cColor::Gray);
     EXPECT_EQ(cColor::Teal.g, 128 / 255.0f);
 }
 

