@@ -6,7 +6,6 @@
 #include "foundation/cImmortal.h"
 
 #include <cmath>
-#include <memory>
 
 namespace trellis {
 
@@ -87,10 +86,7 @@ int cIO::GetAnimID(const char* path, int selector, const cMat4& transform) {
     if (!LoadFor(*entry, anim.get())) {
         return -1;
     }
-    entry->Anim = anim.release();
-    const int id = cIO_Anims.Add(entry.get());
-    entry.release();
-    return id;
+    return cIO_AddEntry(cIO_Anims, std::move(entry), &cIO_Anim::Anim, std::move(anim));
 }
 
 const cAnim* cIO::GetAnimPtr(int id) {
@@ -116,42 +112,20 @@ bool cIO::ReloadAnim(int id) {
     if (!entry || !LoadFor(*entry, fresh.get())) {
         return false;
     }
-    if (entry->Anim) { // the object stays where it is: programs hold its address
-        entry->Anim->Copy(*fresh);
-    } else {
-        entry->Anim = fresh.release();
-    }
+    cIO_Replace(entry, &cIO_Anim::Anim, std::move(fresh));
     return true;
 }
 
 bool cIO::ReloadAnim(const char* path) {
-    const cStr relative = cIO_RelativePath(path);
-    bool reloaded = false;
-    for (int i = 0; i < cIO_Anims.Count(); i++) {
-        if (cStr::ComparePath(cIO_Anims[i]->Path, relative) == 0) {
-            reloaded |= ReloadAnim(i);
-        }
-    }
-    return reloaded;
+    return cIO_ReloadPath(cIO_Anims, cIO_RelativePath(path), ReloadAnim);
 }
 
 void cIO::ReloadAnims() {
-    int count = 0;
-    for (int i = 0; i < cIO_Anims.Count(); i++) {
-        count += ReloadAnim(i);
-    }
-    cLog::Message("Reloaded %d Anims.", count);
+    cLog::Message("Reloaded %d Anims.", cIO_ReloadAll(cIO_Anims.Count(), ReloadAnim));
 }
 
 void cIO::UnloadAnims() {
-    int count = 0;
-    for (cIO_Anim* entry : cIO_Anims) {
-        if (entry->Anim) {
-            delete std::exchange(entry->Anim, nullptr);
-            count++;
-        }
-    }
-    cLog::Message("Unloaded %d Anims.", count);
+    cLog::Message("Unloaded %d Anims.", cIO_UnloadEntries(cIO_Anims, &cIO_Anim::Anim));
 }
 
 void cIO::FreeAnims() {

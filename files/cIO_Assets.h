@@ -5,7 +5,9 @@
 #include "files/cIO_Internal.h"
 #include "foundation/cLog.h"
 
+#include <memory>
 #include <new>
+#include <utility>
 
 namespace trellis {
 
@@ -90,6 +92,59 @@ bool cIO_SaveAsset(const char* path, const Asset& asset, const cList<Info>& code
 /// lasts until everything is freed.
 template <class Entry> Entry* cIO_FindEntry(cList<Entry*>& entries, int id) {
     return id >= 0 && id < entries.Count() ? entries[id] : nullptr;
+}
+
+/// Appends an entry and gives its ID. @param object  what the entry keeps
+template <class Entry, class Asset>
+int cIO_AddEntry(cList<Entry*>& entries, std::unique_ptr<Entry> entry, Asset* Entry::*object,
+                 std::unique_ptr<Asset> asset) {
+    (*entry).*object = asset.release();
+    const int id = entries.Add(entry.get());
+    entry.release();
+    return id;
+}
+
+/// Gives an entry what was loaded anew. An object that is there stays where it is: programs hold its address.
+template <class Entry, class Asset>
+void cIO_Replace(Entry* entry, Asset* Entry::*object, std::unique_ptr<Asset> fresh) {
+    if (entry->*object) {
+        (entry->*object)->Copy(*fresh);
+    } else {
+        entry->*object = fresh.release();
+    }
+}
+
+/// @return whether any entry of that path could be reloaded
+template <class Entry> bool cIO_ReloadPath(const cList<Entry*>& entries, const cStr& path, bool (*reload)(int)) {
+    bool reloaded = false;
+    for (int i = 0; i < entries.Count(); i++) {
+        if (cStr::ComparePath(entries[i]->Path, path) == 0) {
+            reloaded |= reload(i);
+        }
+    }
+    return reloaded;
+}
+
+/// @return number of entries that could be reloaded
+inline int cIO_ReloadAll(int count, bool (*reload)(int)) {
+    int reloaded = 0;
+    for (int i = 0; i < count; i++) {
+        reloaded += reload(i);
+    }
+    return reloaded;
+}
+
+/// @return number of objects that went
+template <class Entry, class Asset> int cIO_UnloadEntries(cList<Entry*>& entries, Asset* Entry::*object) {
+    int count = 0;
+    for (Entry* entry : entries) {
+        if (entry->*object) {
+            (entry->*object)->Free();
+            delete std::exchange(entry->*object, nullptr);
+            count++;
+        }
+    }
+    return count;
 }
 
 template <class Entry> void cIO_FreeEntries(cList<Entry*>& entries) {

@@ -5,8 +5,6 @@
 #include "files/cIO_Assets.h"
 #include "foundation/cImmortal.h"
 
-#include <memory>
-
 namespace trellis {
 
 namespace {
@@ -47,10 +45,7 @@ int cIO::GetCameraID(const char* path) {
     }
     auto entry = std::make_unique<cIO_Camera>();
     entry->Path = absolute;
-    entry->Camera = camera.release();
-    const int id = cIO_Cameras.Add(entry.get());
-    entry.release();
-    return id;
+    return cIO_AddEntry(cIO_Cameras, std::move(entry), &cIO_Camera::Camera, std::move(camera));
 }
 
 const cCamera* cIO::GetCameraPtr(int id) {
@@ -67,42 +62,20 @@ bool cIO::ReloadCamera(int id) {
     if (!entry || !LoadCamera(entry->Path, fresh.get())) {
         return false;
     }
-    if (entry->Camera) { // the object stays where it is: programs hold its address
-        entry->Camera->Copy(*fresh);
-    } else {
-        entry->Camera = fresh.release();
-    }
+    cIO_Replace(entry, &cIO_Camera::Camera, std::move(fresh));
     return true;
 }
 
 bool cIO::ReloadCamera(const char* path) {
-    const cStr absolute = EnsureAbsolutePath(path);
-    bool reloaded = false;
-    for (int i = 0; i < cIO_Cameras.Count(); i++) {
-        if (cStr::ComparePath(cIO_Cameras[i]->Path, absolute) == 0) {
-            reloaded |= ReloadCamera(i);
-        }
-    }
-    return reloaded;
+    return cIO_ReloadPath(cIO_Cameras, EnsureAbsolutePath(path), ReloadCamera);
 }
 
 void cIO::ReloadCameras() {
-    int count = 0;
-    for (int i = 0; i < cIO_Cameras.Count(); i++) {
-        count += ReloadCamera(i);
-    }
-    cLog::Message("Reloaded %d Cameras.", count);
+    cLog::Message("Reloaded %d Cameras.", cIO_ReloadAll(cIO_Cameras.Count(), ReloadCamera));
 }
 
 void cIO::UnloadCameras() {
-    int count = 0;
-    for (cIO_Camera* entry : cIO_Cameras) {
-        if (entry->Camera) {
-            delete std::exchange(entry->Camera, nullptr);
-            count++;
-        }
-    }
-    cLog::Message("Unloaded %d Cameras.", count);
+    cLog::Message("Unloaded %d Cameras.", cIO_UnloadEntries(cIO_Cameras, &cIO_Camera::Camera));
 }
 
 void cIO::FreeCameras() {

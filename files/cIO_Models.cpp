@@ -5,8 +5,6 @@
 #include "foundation/cImmortal.h"
 #include "mesh/cModel.h"
 
-#include <memory>
-
 namespace trellis {
 
 namespace {
@@ -57,10 +55,7 @@ int cIO::GetModelID(const char* path, bool proxy) {
     entry->Path = relative;
     entry->AbsolutePath = absolute;
     entry->Proxy = proxy;
-    entry->Model = model.release();
-    const int id = cIO_Models.Add(entry.get());
-    entry.release();
-    return id;
+    return cIO_AddEntry(cIO_Models, std::move(entry), &cIO_Model::Model, std::move(model));
 }
 
 const cModel* cIO::GetModelPtr(int id) {
@@ -82,25 +77,16 @@ bool cIO::ReloadModel(int id) {
     if (!entry || !LoadModel(entry->Path, fresh.get())) {
         return false;
     }
-    if (entry->Model) { // the object stays where it is: programs hold its address
+    if (entry->Model) {
         entry->Model->FreeRenderBuffers();
-        entry->Model->Copy(*fresh);
-    } else {
-        entry->Model = fresh.release();
     }
+    cIO_Replace(entry, &cIO_Model::Model, std::move(fresh));
     Prepare(entry->Model);
     return true;
 }
 
 bool cIO::ReloadModel(const char* path) {
-    const cStr relative = cIO_RelativePath(path);
-    bool reloaded = false;
-    for (int i = 0; i < cIO_Models.Count(); i++) {
-        if (cStr::ComparePath(cIO_Models[i]->Path, relative) == 0) {
-            reloaded |= ReloadModel(i);
-        }
-    }
-    return reloaded;
+    return cIO_ReloadPath(cIO_Models, cIO_RelativePath(path), ReloadModel);
 }
 
 void cIO::ReloadModels() {
@@ -115,15 +101,7 @@ void cIO::ReloadModels() {
 }
 
 void cIO::UnloadModels() {
-    int count = 0;
-    for (cIO_Model* entry : cIO_Models) {
-        if (entry->Model) {
-            entry->Model->Free();
-            delete std::exchange(entry->Model, nullptr);
-            count++;
-        }
-    }
-    cLog::Message("Unloaded %d Models.", count);
+    cLog::Message("Unloaded %d Models.", cIO_UnloadEntries(cIO_Models, &cIO_Model::Model));
 }
 
 void cIO::FreeModels() {

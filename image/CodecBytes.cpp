@@ -85,14 +85,6 @@ unsigned char* CreatePixels(cImage* image, cFormat::Enum format, int width, int 
     return image->Create(format, width, height, 1, 1);
 }
 
-int CutLevelCount(int count, int width, int height, int depth) {
-    int levels = 0;
-    for (int side = std::max({width, height, depth}); side > 0 && levels < count; side >>= 1) {
-        levels++;
-    }
-    return levels;
-}
-
 void CopySwappedPlain(unsigned char* target, const unsigned char* source, int count, int channels) {
     for (int i = 0; i < count; i++, source += channels, target += channels) {
         target[0] = source[2];

@@ -35,9 +35,6 @@ const unsigned char* TakeBytes(const cFile& file, long long size);
 /// @return its block; null, the image staying, for a side below 1 and for an image of 2 GiB and more
 unsigned char* CreatePixels(cImage* image, cFormat::Enum format, int width, int height);
 
-/// Levels that an image of these sides can hold: `count`, or how often the largest side can be halved.
-int CutLevelCount(int count, int width, int height, int depth);
-
 /// Copies pixels of 3 or 4 bytes with their bytes 0 and 2 exchanged. The blocks do not overlap.
 void CopySwapped(unsigned char* target, const unsigned char* source, int count, int channels);
 

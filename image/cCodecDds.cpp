@@ -6,6 +6,7 @@
 
 #include "files/cFile.h"
 #include "image/CodecBytes.h"
+#include "image/Levels.h"
 
 namespace trellis {
 

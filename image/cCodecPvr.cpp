@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "image/CodecBytes.h"
+#include "image/Levels.h"
 
 namespace trellis {
 

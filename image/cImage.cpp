@@ -1,5 +1,6 @@
 #include "image/cImage.h"
 
+#include "image/Levels.h"
 #include "image/PixelConvert.h"
 #include "math/cMath.h"
 
@@ -31,11 +32,6 @@ bool IsColor(int format) {
 
 int BlockBytes(int format) {
     return format == cFormat::Dxt3 || format == cFormat::Dxt5 ? 16 : 8;
-}
-
-/// A side at a level, at least 1.
-int SideAt(int side, int level) {
-    return std::max(level > 30 ? 0 : side >> std::max(level, 0), 1);
 }
 
 int SaturateToInt(long long v) {
@@ -209,8 +205,8 @@ long long cImage::CalcImageSize64(cFormat::Enum format, int width, int height, i
     const int w = std::max(width, 1), h = std::max(height, 1), d = std::max(depth, 1);
     long long size = 0;
     for (int level = 0; level < std::min(levels, 31) && (w >> level || h >> level || d >> level); level++) {
-        const long long slice = SliceBytes(format, SideAt(w, level), SideAt(h, level));
-        const long long bytes = Times(slice, SideAt(d, level));
+        const long long slice = SliceBytes(format, LevelSide(w, level), LevelSide(h, level));
+        const long long bytes = Times(slice, LevelSide(d, level));
         size = Plus(size, IsPvr(format) ? std::max<long long>(bytes, s_MinPvrBytes) : bytes);
     }
     return depth == 0 ? Times(size, CubeFaces) : size;
@@ -225,19 +221,19 @@ int cImage::GetMipMapCountFromDimensions() const {
 }
 
 int cImage::GetMipMappedSize(int firstLevel, int levels, cFormat::Enum format) const {
-    return CalcImageSize(format == cFormat::None ? m_Format : format, SideAt(m_Width, firstLevel),
-                         SideAt(m_Height, firstLevel), m_Depth == 0 ? 0 : SideAt(m_Depth, firstLevel), levels);
+    return CalcImageSize(format == cFormat::None ? m_Format : format, LevelSide(m_Width, firstLevel),
+                         LevelSide(m_Height, firstLevel), m_Depth == 0 ? 0 : LevelSide(m_Depth, firstLevel), levels);
 }
 
 int cImage::GetSliceSize(int level, cFormat::Enum format) const {
     const cFormat::Enum f = format == cFormat::None ? m_Format : format;
-    const int size = SaturateToInt(SliceBytes(f, SideAt(m_Width, level), SideAt(m_Height, level)));
+    const int size = SaturateToInt(SliceBytes(f, LevelSide(m_Width, level), LevelSide(m_Height, level)));
     return IsPvr(f) ? std::max(size, s_MinPvrBytes) : size;
 }
 
 int cImage::GetRowSize(int level, cFormat::Enum format) const {
     const cFormat::Enum f = format == cFormat::None ? m_Format : format;
-    const int size = SaturateToInt(RowBytes(f, SideAt(m_Width, level)));
+    const int size = SaturateToInt(RowBytes(f, LevelSide(m_Width, level)));
     return IsPvr(f) ? std::max(size, s_MinPvrBytes) : size;
 }
 

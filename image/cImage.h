@@ -168,8 +168,8 @@ public:
     /// @param keepAlpha  an `Rgba8` image keeps its own alpha instead of the height
     bool ToNormalMap(cFormat::Enum format, float scale, bool keepAlpha);
 
-    /// Mirrors top to bottom, at every level. False for depth and Pvr formats, and, with a warning, for a compressed image with
-    /// a side that is no multiple of 4.
+    /// Mirrors top to bottom, at every level. False for depth and Pvr formats, and, with a warning, for a compressed
+    /// image with a side that is no multiple of 4.
     bool Flip();
 
 private:

@@ -43,13 +43,7 @@ void cClass::CallCtor(void* data) {
         return;
     }
     auto* object = static_cast<cClass*>(data);
-    const Walk walk(object, data);
-    for (int i = 0; i < walk.Count(); i++) {
-        cClass* elementClass;
-        if (void* element = walk.Operand(i, &elementClass)) {
-            elementClass->CallCtor(element);
-        }
-    }
+    Walk(object, data).ForEach([](cClass* elementClass, void* element) { elementClass->CallCtor(element); });
     object->CustomCtor();
 }
 
@@ -62,13 +56,7 @@ void cClass::CallDtor(void* data) {
     if (cClassGarbage::IsClosed()) {
         return; // the tables are going or gone; the members' own destructors do the rest
     }
-    const Walk walk(object, data);
-    for (int i = 0; i < walk.Count(); i++) {
-        cClass* elementClass;
-        if (void* element = walk.Operand(i, &elementClass)) {
-            elementClass->CallDtor(element);
-        }
-    }
+    Walk(object, data).ForEach([](cClass* elementClass, void* element) { elementClass->CallDtor(element); });
 }
 
 int cClass::GetRealMaskedPosition(int i) {
@@ -328,13 +316,7 @@ void cClass::CallOnProcess(void* data) {
     }
     auto* object = static_cast<cClass*>(data);
     object->OnProcess();
-    const Walk walk(object, data);
-    for (int i = 0; i < walk.Count(); i++) {
-        cClass* elementClass;
-        if (void* element = walk.Operand(i, &elementClass)) {
-            elementClass->CallOnProcess(element);
-        }
-    }
+    Walk(object, data).ForEach([](cClass* elementClass, void* element) { elementClass->CallOnProcess(element); });
 }
 
 void cClass::AndFlags(void* data, unsigned char flags) {
@@ -343,13 +325,9 @@ void cClass::AndFlags(void* data, unsigned char flags) {
     }
     auto* object = static_cast<cClass*>(data);
     object->m_Flags &= flags;
-    const Walk walk(object, data);
-    for (int i = 0; i < walk.Count(); i++) {
-        cClass* elementClass;
-        if (void* element = walk.Operand(i, &elementClass)) {
-            elementClass->AndFlags(element, flags);
-        }
-    }
+    Walk(object, data).ForEach([flags](cClass* elementClass, void* element) {
+        elementClass->AndFlags(element, flags);
+    });
 }
 
 } // namespace trellis

@@ -280,7 +280,7 @@ private:
     cOneClassStorage* KnownStorage();
     cOneClassMemberStorage* Record(int i);
     bool IsShownAsNode(int i, void* data);
-    bool LoadTree(cXml& document, const char* path, bool report);
+    void LoadTree(cXml& document, const char* path, bool report);
 
     cClass* m_Parent = nullptr;
     unsigned char m_Flags = 0;

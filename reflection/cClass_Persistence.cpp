@@ -127,11 +127,11 @@ void cClass::LoadMemberDirect(void* value, void* data, int index) {
     }
 }
 
-bool cClass::LoadTree(cXml& document, const char* path, bool report) {
+/// What could be parsed is taken, whatever becomes of its elements.
+void cClass::LoadTree(cXml& document, const char* path, bool report) {
     cErrorPager pager(report);
     const CurrentFile current(path);
     Load(document, this, &pager, nullptr);
-    return true; // what was parsed is taken, whatever became of its elements
 }
 
 bool cClass::ReadFromFile(const char* path) {
@@ -145,7 +145,11 @@ bool cClass::ReadFromFile(const cFile& file) {
         return false;
     }
     cXml document;
-    return document.ReadFromFile(file, MaxFileDepth) && LoadTree(document, "", true);
+    if (!document.ReadFromFile(file, MaxFileDepth)) {
+        return false;
+    }
+    LoadTree(document, "", true);
+    return true;
 }
 
 bool cClass::SafeReadFromFile(const char* path) {
@@ -153,7 +157,11 @@ bool cClass::SafeReadFromFile(const char* path) {
         return false;
     }
     cXml document;
-    return document.ReadFromFile(path, MaxFileDepth) && LoadTree(document, path, false);
+    if (!document.ReadFromFile(path, MaxFileDepth)) {
+        return false;
+    }
+    LoadTree(document, path, false);
+    return true;
 }
 
 bool cClass::ReadFromString(const cStr& text) {

@@ -1,5 +1,4 @@
 // Member tables: their lines, inheritance, and lookup by name.
-#include "foundation/cImmortal.h"
 #include "reflection/cClass.h"
 #include "reflection/cClass_Walk.h"
 #include "reflection/cXml.h"
@@ -88,9 +87,7 @@ cClass* cClass_GetClassFromPalette(const char* name) {
 }
 
 void cClass_RegClassBC(cClass* object, const char* label, const char* name, bool autoReg) {
-    static cImmortal<cStr> s_Name; // a static of its own: registration constructs objects, which may register others
-    s_Name.Value = name;
-    if (autoReg && s_Name.Value.IndexOf(".") >= 0) {
+    if (autoReg && name && std::strchr(name, '.')) {
         return;
     }
     cOneClassStorage* storage = cClassGarbage::IsClosing() ? nullptr : TRELLIS_CGARB.GetClass(name);
@@ -234,13 +231,11 @@ cOneClassMemberInfo cClass::GetElementInfo(int i, void* data) {
 
 cOneClassMemberInfo cClass::GetElementInfo(const char* name, void* data) {
     cClass* object = Target(data);
-    const int count = name && object->KnownStorage() ? object->GetAmountOfElements() : 0;
-    for (int i = 0; i < count; i++) {
-        if (std::strcmp(object->GetElementID(i), name) == 0) {
-            return GetElementInfo(i, data);
-        }
+    Walk::Found found;
+    if (!name || !object->KnownStorage() || !Walk(object, data).Find(name, &found)) {
+        return {};
     }
-    return {};
+    return GetElementInfo(found.Index, data);
 }
 
 cStr cClass::GetStringField(const char* name) {

@@ -40,12 +40,16 @@ public:
         return m_Table ? m_Table->Members[i] : m_Object->GetElementCMS(i);
     }
 
-    /// The element's address, where there is a value that an operation can be called on: with a class, and not at the
-    /// object's own address, as buttons and headings are.
-    void* Operand(int i, cClass** elementClass) const {
-        *elementClass = Class(i);
-        void* element = *elementClass ? Ptr(i) : nullptr;
-        return element == m_Data ? nullptr : element;
+    /// Calls f(class, address) for each element that has a value: a class, and an address other than the object's own,
+    /// where buttons and headings stand.
+    template <class F> void ForEach(F&& f) const {
+        for (int i = 0; i < Count(); i++) {
+            cClass* elementClass = Class(i);
+            void* element = elementClass ? Ptr(i) : nullptr;
+            if (element && element != m_Data) {
+                f(elementClass, element);
+            }
+        }
     }
 
     /// What a lookup by name gives.

@@ -3,7 +3,6 @@
 #include <string.h>
 
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <cstdint>
 #include <memory>
@@ -11,86 +10,11 @@
 #include "files/cFile.h"
 #include "files/cIO.h"
 #include "foundation/cLog.h"
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+#include "reflection/TextSearch.h"
 
 namespace trellis {
 
 namespace {
-
-// Tags and bodies are short, so most searches end within one block, and a call to the library costs more than that.
-constexpr int s_Block = 16;
-
-#if defined(__SSE2__)
-/// Bit i is set where a[i] equals b[i], for the 16 bytes at each.
-unsigned int EqualBytes(__m128i a, __m128i b) {
-    return unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(a, b)));
-}
-__m128i Block(const char* s) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(s));
-}
-__m128i Block(char c) {
-    return _mm_set1_epi8(c);
-}
-#else
-struct BlockBytes {
-    char Bytes[s_Block];
-};
-unsigned int EqualBytes(const BlockBytes& a, const BlockBytes& b) {
-    unsigned int bits = 0;
-    for (int i = 0; i < s_Block; i++) {
-        bits |= unsigned(a.Bytes[i] == b.Bytes[i]) << i;
-    }
-    return bits;
-}
-BlockBytes Block(const char* s) {
-    BlockBytes block;
-    memcpy(block.Bytes, s, s_Block);
-    return block;
-}
-BlockBytes Block(char c) {
-    BlockBytes block;
-    memset(block.Bytes, c, s_Block);
-    return block;
-}
-#endif
-
-/// First `c` in [from, end), or null.
-const char* Find(const char* from, const char* end, char c) {
-    if (end - from >= s_Block) {
-        if (const unsigned int hits = EqualBytes(Block(from), Block(c))) {
-            return from + std::countr_zero(hits);
-        }
-        from += s_Block;
-    }
-    return static_cast<const char*>(memchr(from, c, size_t(end - from)));
-}
-
-/// Whether `count` bytes at `a` and `b` are equal; `a` stands in front of `b` in a text that goes to `end`.
-bool SameBytes(const char* a, const char* b, int count, const char* end) {
-    if (count <= s_Block && end - b >= s_Block) {
-        return (~EqualBytes(Block(a), Block(b)) & ((1u << count) - 1)) == 0;
-    }
-    return end - b >= count && memcmp(a, b, size_t(count)) == 0;
-}
-
-/// First `a` or `b` in the text from `index` on, or its length. Looks at whole blocks, as far as the capacity goes.
-int FindEither(const cStr& text, int index, char a, char b) {
-    const int length = text.Length();
-    const char* const s = text.Text();
-    for (; index < length && text.Capacity() - index >= s_Block; index += s_Block) {
-        const auto block = Block(s + index);
-        if (const unsigned int hits = EqualBytes(block, Block(a)) | EqualBytes(block, Block(b))) {
-            return std::min(index + std::countr_zero(hits), length);
-        }
-    }
-    while (index < length && s[index] != a && s[index] != b) {
-        index++;
-    }
-    return std::min(index, length);
-}
 
 bool IsBlank(char c) {
     return c == ' ' || c == '\n' || c == '\r' || c == '\t';
@@ -210,7 +134,7 @@ void cXml::RemoveSubQuote(int index) {
 /// One pass "&lt" to "<" and "&gt" to ">" gives what two would: the first never makes a "&gt".
 void cXml::Unescape() {
     const int length = m_Body.Length();
-    const int first = FindEither(m_Body, 0, '&', '&');
+    const int first = text_search::FindEither(m_Body, 0, '&', '&');
     if (first == length) {
         return;
     }
@@ -259,20 +183,20 @@ int cXml::Load(const char* text, int maxDepth) {
     }
     const char* const end = text + strnlen(text, INT_MAX); // the result is an int
     m_Name.Clear();
-    const char* open = Find(text, end, '<');
+    const char* open = text_search::Find(text, end, '<');
     if (!open || open[1] == '/' || maxDepth < 1) {
         return -1;
     }
     cList<Level> above;
     for (Level level = {this, nullptr, -1};;) {
-        const char* close = Find(open + 1, end, '>');
+        const char* close = text_search::Find(open + 1, end, '>');
         if (!close) {
             return -1;
         }
         level.Node->m_Name.Copy(open + 1, 0, int(close - open - 1));
         level.Content = close + 1;
         for (const char* p = level.Content;;) {
-            open = Find(p, end, '<');
+            open = text_search::Find(p, end, '<');
             if (!open) {
                 return -1;
             }
@@ -282,12 +206,12 @@ int cXml::Load(const char* text, int maxDepth) {
             }
             // An end tag need only begin with the name: it was always compared so, and what could be read must be.
             const int length = level.Node->m_Name.Length();
-            if (!SameBytes(level.Content - 1 - length, open + 2, length, end)) {
+            if (!text_search::SameBytes(level.Content - 1 - length, open + 2, length, end)) {
                 return -1;
             }
             close = open + 2 + length;
             if (close == end || *close != '>') {
-                close = Find(close, end, '>');
+                close = text_search::Find(close, end, '>');
                 if (!close) {
                     return -1;
                 }
@@ -377,7 +301,7 @@ void cXml::Writer::PutIndentation(int depth) {
 
 void cXml::Writer::PutEscaped(const cStr& body) {
     for (int i = 0; i < body.Length() && !IsFull(); i++) {
-        const int bracket = FindEither(body, i, '<', '>');
+        const int bracket = text_search::FindEither(body, i, '<', '>');
         Put(body.Text() + i, bracket - i);
         if (bracket < body.Length()) {
             Put(body[bracket] == '<' ? "&lt" : "&gt", 3);
@@ -415,10 +339,10 @@ bool cXml::Writer::PutShortLeaf(const cXml& node, int depth) {
     const cStr& name = node.m_Name;
     const cStr& body = node.m_Body;
     if (!node.m_SubQuotes.IsEmpty() || unsigned(depth) > most || name.Length() > most || body.Length() > most ||
-        FindEither(body, 0, '<', '>') < body.Length()) {
+        text_search::FindEither(body, 0, '<', '>') < body.Length()) {
         return false;
     }
-    if (Size - m_Used < 4 * most + 2 * s_Block) {
+    if (Size - m_Used < 4 * most + 2 * text_search::Block) {
         Flush();
     }
     char* p = m_Buffer + m_Used;
@@ -430,8 +354,8 @@ bool cXml::Writer::PutShortLeaf(const cXml& node, int depth) {
         }
         p += s.Length();
     };
-    if (depth <= s_Block) {
-        memset(p, ' ', s_Block);
+    if (depth <= text_search::Block) {
+        memset(p, ' ', text_search::Block);
     } else {
         memset(p, ' ', size_t(depth));
     }

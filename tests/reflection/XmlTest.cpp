@@ -7,6 +7,7 @@
 
 #include "files/cFile.h"
 #include "foundation/cLog.h"
+#include "reflection/TextSearch.h"
 #include "tests/files/Folders.h"
 
 namespace trellis {
@@ -195,6 +196,32 @@ void Grow(cXml* node, int depth, std::mt19937* random) {
     node->Assign_string(below(3) ? ("x" + text("ab <>;&\n", below(20) ? below(40) : below(9000)) + ">").c_str() : "");
     for (int count = depth > 0 ? below(6) : 0; count > 0; count--) {
         Grow(node->GetSubQuote(node->AddSubQuote("", 0) - 1), depth - 1, random);
+    }
+}
+
+TEST(Xml, VectorSearchesFindWhatPlainOnesFind) {
+    namespace search = text_search;
+    for (int length = 0; length < 40; length++) {
+        for (int at = 0; at <= length; at++) {                              // the needle, or nowhere
+            const auto text = std::make_unique<char[]>(size_t(length) + 1); // no slack for reads past the end
+            std::fill_n(text.get(), length, 'x');
+            text[size_t(at)] = at < length ? '<' : 0;
+            text[size_t(length)] = 0;
+            const char* end = text.get() + length;
+            ASSERT_EQ(search::Find(text.get(), end, '<'), search::plain::Find(text.get(), end, '<')) << length;
+            const cStr body(text.get());
+            for (int from = 0; from <= length; from++) {
+                ASSERT_EQ(search::FindEither(body, from, '>', '<'), search::plain::FindEither(body, from, '>', '<'));
+            }
+            const std::string twice = std::string(size_t(length), 'x') + text.get();
+            const auto pair = std::make_unique<char[]>(twice.size());
+            std::copy(twice.begin(), twice.end(), pair.get());
+            for (int count = 0; count <= length + 1; count++) {
+                const char *a = pair.get(), *b = a + length, *pairEnd = a + twice.size();
+                ASSERT_EQ(search::SameBytes(a, b, count, pairEnd), search::plain::SameBytes(a, b, count, pairEnd))
+                    << length << " " << at << " " << count;
+            }
+        }
     }
 }
 
