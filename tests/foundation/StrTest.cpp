@@ -131,6 +131,7 @@ TEST(Str, SelfCopyPutsTheTerminatorAtStartPlusCount) {
 
 TEST(Str, InsertPastTheEndWritesPastTheTail) {
     cStr s("abc");
+    s.Insert(0, "xy", 0, -1); // nothing
     s.Insert(5, "xy");
     EXPECT_EQ(s.Length(), 5);
     EXPECT_EQ(std::memcmp(s.Text(), "abc\0", 4), 0) << "nothing moved";

@@ -139,6 +139,8 @@ TEST(Vector, PlaneSegments) {
     EXPECT_TRUE(cVec2::SegIntersection({0, 0}, {4, 4}, {0, 4}, {4, 0}, &p));
     EXPECT_EQ(p, cVec2(2, 2));
     EXPECT_TRUE(cVec2::SegIntersection({0, 0}, {4, 0}, {4, 0}, {4, 9}, &p)) << "ends included";
+    EXPECT_TRUE(cVec2::SegIntersection({0, 0}, {4, 0}, {0, -1}, {0, 1}, &p)) << "the first end too";
+    EXPECT_FALSE(cVec2::SegIntersection({0, 0}, {4, 0}, {-1, -1}, {-1, 1}, &p));
     EXPECT_FALSE(cVec2::SegIntersection({0, 0}, {4, 0}, {5, -1}, {5, 1}, &p));
     EXPECT_FALSE(cVec2::SegIntersection({0, 0}, {4, 0}, {0, 0}, {4, 0}, &p)) << "parallel";
 }
