@@ -5,6 +5,9 @@
 #include "image/cCodecDds.h"
 #include "image/cCodecPvr.h"
 #include "image/cCodecTga.h"
+#include "mesh/cCodecMd5Model.h"
+#include "mesh/cCodecModel.h"
+#include "mesh/cCodecObj.h"
 
 namespace trellis {
 
@@ -32,6 +35,12 @@ void cIO_AddBuiltInCodecs() {
     cIO::AddCodec("Bmp", &s_Bmp.Value);
     cIO::AddCodec(cCodecPvr::FileExtension, &s_Pvr.Value);
     cIO::AddCodec("Tga", &s_Tga.Value);
+    static cImmortal<cCodecModel> s_Model;
+    static cImmortal<cCodecMd5Model> s_Md5Model;
+    static cImmortal<cCodecObj> s_Obj;
+    cIO::AddCodec("cModel", &s_Model.Value);
+    cIO::AddCodec(cCodecMd5Model::FileExtension, &s_Md5Model.Value);
+    cIO::AddCodec("Obj", &s_Obj.Value);
 }
 
 cStr cIO_RelativePath(const char* path) {

@@ -21,7 +21,7 @@ void cImageSwatchFile::OnProcess() {
     if (File.IsEmpty()) {
         return;
     }
-    TextureID = cRender::GetTextureID(File, -1);
+    TextureID = cRender::GetInstance() ? cRender::GetTextureID(File, -1) : -1; // a service draws nothing
     if (TextureID != -1) {
         FillInfo();
         LastLoaded = File;

@@ -1,0 +1,7 @@
+#include "editor/cSettings.h"
+
+namespace trellis {
+
+constinit cSettings g_Settings;
+
+} // namespace trellis

@@ -1,0 +1,317 @@
+#include "mesh/cCodecModel.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+#include "files/cFile.h"
+#include "mesh/cModel.h"
+
+namespace trellis {
+
+namespace {
+
+constexpr unsigned short s_Magic = 0x6D63;
+constexpr unsigned char s_Version = 0;
+constexpr float s_One = 32767.0f; // of a quantised value
+constexpr int s_MaxVertices = 65536;
+
+// The least that each takes in a file, and what a vertex takes.
+constexpr int s_JointBytes = 22, s_MeshBytes = 12;
+constexpr int s_BumpBytes = 38, s_AnimBytes = 50;
+
+long long BytesLeft(const cFile& file) {
+    return file.GetSize() - file.GetPos();
+}
+
+short ToShort(float v) {
+    const float scaled = v * s_One; // truncated below; what no 16 bits hold becomes the nearest that they do
+    return scaled >= float(SHRT_MAX)   ? short(SHRT_MAX)
+           : scaled <= float(SHRT_MIN) ? short(SHRT_MIN)
+           : scaled != scaled          ? short(0)
+                                       : short(scaled);
+}
+
+bool ReadByte(const cFile& file, unsigned char* v) {
+    return file.ReadBytes(v, 1) == 1;
+}
+
+/// Refuses a zero byte, behind which nobody would see the name.
+bool ReadName(const cFile& file, cStr* out) {
+    short length;
+    if (!file.ReadShort(&length) || length < 0 || length > BytesLeft(file)) {
+        return false;
+    }
+    out->Copy(reinterpret_cast<const char*>(file.GetBytes().Data()), file.GetPos(), length);
+    file.SetPos(file.GetPos() + length);
+    return int(std::strlen(*out)) == length;
+}
+
+/// @param size  bytes that each takes at least, so that a small file cannot ask for much memory
+bool IsCount(const cFile& file, long long count, int size) {
+    return count >= 0 && count * size <= BytesLeft(file);
+}
+
+bool ReadQuantised(const cFile& file, float* out, int count) {
+    for (int i = 0; i < count; i++) {
+        short v;
+        if (!file.ReadShort(&v)) {
+            return false;
+        }
+        out[i] = float(v) / s_One;
+    }
+    return true;
+}
+
+bool ReadJoint(const cFile& file, int joints, cModel::Joint* out) {
+    short parent;
+    cQuat& q = out->Orientation;
+    if (!ReadName(file, &out->Name) || !file.ReadShort(&parent) || parent < -1 || parent >= joints ||
+        !file.ReadVec3(&out->Position) || !ReadQuantised(file, q.ToPtr(), 3)) {
+        return false;
+    }
+    out->Parent = parent;
+    q.w = std::sqrt(std::clamp(1.0f - q.x * q.x - q.y * q.y - q.z * q.z, 0.0f, 1.0f));
+    return true;
+}
+
+bool ReadIndices(const cFile& file, cList<int>* out) {
+    int count;
+    if (!file.ReadInt(&count) || !IsCount(file, count, 2)) {
+        return false;
+    }
+    out->SetCount(count);
+    const unsigned char* p = file.GetBytes().Data() + file.GetPos();
+    for (int i = 0; i < count; i++, p += 2) {
+        (*out)[i] = p[0] | p[1] << 8;
+    }
+    file.SetPos(file.GetPos() + count * 2);
+    return true;
+}
+
+const unsigned char* TakeFloats(const unsigned char* p, float* out, int count) {
+    std::memcpy(out, p, size_t(count) * sizeof(float));
+    return p + count * 4;
+}
+
+/// @tparam Count  known to the compiler, which then takes four at a time
+template <int Count> const unsigned char* TakeQuantised(const unsigned char* p, float* out) {
+    short v[Count];
+    std::memcpy(v, p, sizeof(v));
+    for (int i = 0; i < Count; i++) {
+        out[i] = float(v[i]) / s_One;
+    }
+    return p + sizeof(v);
+}
+
+const unsigned char* TakeVertex(const unsigned char* p, cVertex::Bump* out) {
+    p = TakeFloats(p, out->Pos.ToPtr(), 3);
+    p = TakeFloats(p, out->TexCoord.ToPtr(), 2);
+    float v[9]; // of the three vectors, which do not stand together in a vertex
+    p = TakeQuantised<8>(p, v);
+    p = TakeQuantised<1>(p, v + 8);
+    out->Normal = {v[0], v[1], v[2]};
+    out->Tangent = {v[3], v[4], v[5]};
+    out->BiTangent = {v[6], v[7], v[8]};
+    return p;
+}
+
+const unsigned char* TakeVertex(const unsigned char* p, cVertex::Anim* out) {
+    p = TakeVertex(p, static_cast<cVertex::Bump*>(out));
+    for (int i = 0; i < 4; i++) {
+        out->Indices[i] = float(*p++);
+    }
+    return TakeQuantised<4>(p, out->Weights.ToPtr());
+}
+
+/// Joints of the model that a vertex counts on.
+bool HasJoints(const cVertex::Bump&, int) {
+    return true;
+}
+bool HasJoints(const cVertex::Anim& vertex, int joints) {
+    for (int i = 0; i < 4; i++) {
+        if (vertex.Weights[i] != 0 && vertex.Indices[i] >= float(joints)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+template <class Vertex> bool ReadVertices(const cFile& file, int size, int joints, cList<Vertex>* out) {
+    int count;
+    if (!file.ReadInt(&count) || !IsCount(file, count, size)) {
+        return false;
+    }
+    out->SetCount(count);
+    const unsigned char* p = file.GetBytes().Data() + file.GetPos();
+    for (Vertex& vertex : *out) {
+        p = TakeVertex(p, &vertex);
+        if (!HasJoints(vertex, joints)) {
+            return false;
+        }
+    }
+    file.SetPos(file.GetPos() + count * size);
+    return true;
+}
+
+bool ReadMesh(const cFile& file, const cModel& model, cModel::Mesh* out) {
+    const int joints = model.Joints.Count();
+    if (!ReadName(file, &out->Name) || !ReadName(file, &out->MaterialName) || !ReadIndices(file, &out->Indices) ||
+        !(model.Static ? ReadVertices(file, s_BumpBytes, joints, &out->BumpVertices)
+                       : ReadVertices(file, s_AnimBytes, joints, &out->AnimVertices))) {
+        return false;
+    }
+    int most = -1;
+    for (const int index : out->Indices) {
+        most = std::max(most, index);
+    }
+    return most < (model.Static ? out->BumpVertices.Count() : out->AnimVertices.Count());
+}
+
+bool cCodecModelDecode(const cFile& file, cModel* out) {
+    unsigned short magic;
+    unsigned char version, isStatic;
+    short joints, meshes;
+    if (!file.ReadWord(&magic) || magic != s_Magic || !ReadByte(file, &version) || version != s_Version ||
+        !file.ReadShort(&joints) || !IsCount(file, joints, s_JointBytes)) {
+        return false;
+    }
+    out->Joints.SetCount(joints);
+    for (cModel::Joint& joint : out->Joints) {
+        if (!ReadJoint(file, joints, &joint)) {
+            return false;
+        }
+    }
+    if (!file.ReadShort(&meshes) || !ReadByte(file, &isStatic) || isStatic > 1 || !IsCount(file, meshes, s_MeshBytes)) {
+        return false;
+    }
+    out->Static = isStatic == 1;
+    out->Meshes.SetCount(meshes);
+    for (cModel::Mesh& mesh : out->Meshes) {
+        if (!ReadMesh(file, *out, &mesh)) {
+            return false;
+        }
+    }
+    cVec3 min, max;
+    if (!file.ReadVec3(&min) || !file.ReadVec3(&max)) {
+        return false;
+    }
+    out->Bounds = cBounds(min, max);
+    return true;
+}
+
+bool WriteName(cFile* out, const cStr& name) {
+    if (name.Length() > SHRT_MAX || int(std::strlen(name)) != name.Length()) {
+        return false;
+    }
+    out->WriteShort(short(name.Length()));
+    out->WriteString(name);
+    return true;
+}
+
+void WriteQuantised(cFile* out, const float* v, int count) {
+    for (int i = 0; i < count; i++) {
+        out->WriteShort(ToShort(v[i]));
+    }
+}
+
+bool WriteJoint(cFile* out, const cModel::Joint& joint, int joints) {
+    if (joint.Parent < -1 || joint.Parent >= joints || !WriteName(out, joint.Name)) {
+        return false;
+    }
+    out->WriteShort(short(joint.Parent));
+    out->WriteVec3(joint.Position);
+    // The reader makes w not negative; the negated quaternion is the same rotation.
+    const cQuat q = joint.Orientation.w < 0.0f ? -joint.Orientation : joint.Orientation;
+    WriteQuantised(out, q.ToPtr(), 3);
+    return true;
+}
+
+bool WriteVertex(cFile* out, const cVertex::Bump& vertex) {
+    out->WriteVec3(vertex.Pos);
+    out->WriteFloat(vertex.TexCoord.x);
+    out->WriteFloat(vertex.TexCoord.y);
+    WriteQuantised(out, vertex.Normal.ToPtr(), 3);
+    WriteQuantised(out, vertex.Tangent.ToPtr(), 3);
+    WriteQuantised(out, vertex.BiTangent.ToPtr(), 3);
+    return true;
+}
+
+bool WriteVertex(cFile* out, const cVertex::Anim& vertex) {
+    WriteVertex(out, static_cast<const cVertex::Bump&>(vertex));
+    unsigned char indices[4];
+    for (int i = 0; i < 4; i++) {
+        const int index = cMath::TruncateToInt(vertex.Indices[i]);
+        if (index < 0 || index > UCHAR_MAX) {
+            return false;
+        }
+        indices[i] = (unsigned char)index;
+    }
+    out->WriteBytes(indices, 4);
+    WriteQuantised(out, vertex.Weights.ToPtr(), 4);
+    return true;
+}
+
+template <class Vertex>
+bool WriteGeometry(cFile* out, const cList<int>& indices, const cList<Vertex>& vertices, int joints) {
+    if (vertices.Count() > s_MaxVertices) {
+        return false;
+    }
+    out->WriteInt(indices.Count());
+    for (const int index : indices) {
+        if (index < 0 || index >= vertices.Count()) {
+            return false;
+        }
+        out->WriteWord((unsigned short)index);
+    }
+    out->WriteInt(vertices.Count());
+    for (const Vertex& vertex : vertices) {
+        if (!HasJoints(vertex, joints) || !WriteVertex(out, vertex)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+bool cCodecModel::Decode(const cFile& file, cModel* out) {
+    out->Free();
+    if (!cCodecModelDecode(file, out)) {
+        out->Free();
+        return false;
+    }
+    return true;
+}
+
+bool cCodecModel::Encode(const cModel& model, cFile* out) {
+    const int joints = model.Joints.Count();
+    if (joints > SHRT_MAX || model.Meshes.Count() > SHRT_MAX) {
+        return false;
+    }
+    out->WriteWord(s_Magic);
+    out->WriteBytes(&s_Version, 1);
+    out->WriteShort(short(joints));
+    for (const cModel::Joint& joint : model.Joints) {
+        if (!WriteJoint(out, joint, joints)) {
+            return false;
+        }
+    }
+    out->WriteShort(short(model.Meshes.Count()));
+    const unsigned char isStatic = model.Static;
+    out->WriteBytes(&isStatic, 1);
+    for (const cModel::Mesh& mesh : model.Meshes) {
+        if (!WriteName(out, mesh.Name) || !WriteName(out, mesh.MaterialName) ||
+            !(model.Static ? WriteGeometry(out, mesh.Indices, mesh.BumpVertices, joints)
+                           : WriteGeometry(out, mesh.Indices, mesh.AnimVertices, joints))) {
+            return false;
+        }
+    }
+    const cBounds& box = model.Bounds;
+    for (const float v : {box.min[0], box.min[1], box.min[2], box.max[0], box.max[1], box.max[2]}) {
+        out->WriteFloat(v);
+    }
+    return true;
+}
+
+} // namespace trellis

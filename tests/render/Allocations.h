@@ -1,0 +1,4 @@
+// Counts the heap's allocations of the whole program.
+#pragma once
+
+int AllocationCount();
