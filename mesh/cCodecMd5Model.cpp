@@ -16,16 +16,16 @@ constexpr const char* s_Lines = "\r\n";
 constexpr const char* s_Blanks = " \t";
 constexpr const char* s_BlanksAndMarks = " ()\t\""; // inside of the blocks
 
-// Bytes of the shortest line of each kind with its end, so that a small file cannot ask for much memory.
-constexpr int s_JointBytes = 16, s_MeshBytes = 9, s_VertexBytes = 15, s_TriangleBytes = 12, s_WeightBytes = 20;
+// Bytes of the shortest lines that each kind of element takes. All elements of a file together must fit into it.
+constexpr int s_JointBytes = 16, s_MeshBytes = 6, s_VertexBytes = 15, s_TriangleBytes = 12, s_WeightBytes = 19;
 
 // Sorting takes the square of this at its worst. A skeleton gives a vertex a handful.
-constexpr int s_MaxWeights = 1024;
+constexpr int s_MaxWeights = 256;
 
 /// The tokens of a file, line by line.
 class Lines {
 public:
-    explicit Lines(const cFile& file) : m_File(file) {}
+    explicit Lines(const cFile& file) : m_File(file), m_BytesLeft(file.GetSize()) {}
 
     /// @return false at the end of the file
     bool Next(const char* delimiters) {
@@ -45,11 +45,12 @@ public:
     bool Get(int i, cVec3* out) const { return Get(i, &out->x) && Get(i + 1, &out->y) && Get(i + 2, &out->z); }
 
     /// Sizes a list by the second token. @param size  bytes that each element takes at least
-    template <class T> bool GetCount(int size, cList<T>* list) const {
+    template <class T> bool GetCount(int size, cList<T>* list) {
         int count;
-        if (!Get(1, &count) || count < 0 || (long long)count * size > m_File.GetSize()) {
+        if (!Get(1, &count) || count < 0 || (long long)count * size > m_BytesLeft) {
             return false;
         }
+        m_BytesLeft -= (long long)count * size;
         list->SetCount(count);
         return true;
     }
@@ -62,6 +63,7 @@ public:
 
 private:
     const cFile& m_File;
+    long long m_BytesLeft; // for elements that have not been announced yet
     cStr m_Line;
     cList<cStr> m_Tokens;
 };
@@ -135,7 +137,7 @@ public:
     cList<Weight> Weights;
 
 private:
-    bool LoadLine(const Lines& lines) {
+    bool LoadLine(Lines& lines) {
         if (lines.Is("shader")) {
             if (lines.Count() < 2) {
                 return false;
@@ -189,6 +191,11 @@ public:
         if (joints != Joints.Count() || meshes != Meshes.Count()) {
             return false; // the file was cut
         }
+        for (const cModel::Joint& joint : Joints) {
+            if (joint.Parent >= joints) {
+                return false; // announced twice, the second time with fewer
+            }
+        }
         for (const cCodecMd5_Mesh& mesh : Meshes) {
             if (!mesh.Check(joints, file.GetSize())) {
                 return false;
@@ -226,7 +233,8 @@ private:
             if (lines.Is("}")) {
                 return true;
             }
-            if (lines.Count() > 0 && (*loaded >= Joints.Count() || !LoadJoint(lines, &Joints[(*loaded)++]))) {
+            if (lines.Count() > 0 && !lines.Is("{") &&
+                (*loaded >= Joints.Count() || !LoadJoint(lines, &Joints[(*loaded)++]))) {
                 return false;
             }
         }

@@ -70,7 +70,8 @@ TEST(CodecMd5Model, RefusesWhatDoesNotFit) {
         {"numtris 1", "numtris 1\n\tfoo 9", true}, // other words
         {"numJoints 2\n", "numJoints\n"}, {"numJoints 2", "numJoints -2"}, {"numJoints 2", "numJoints 2000000000"},
         {"numJoints 2", "numJoints 1"}, {"numJoints 2", "numJoints 3"},
-        {"numMeshes 1", "numMeshes 0"}, {"numMeshes 1", "numMeshes 2"},
+        {"numJoints 2", "numJoints 2\nnumJoints 2", true}, {"joints {", "joints\n{", true},
+        {"}\nmesh {", "}\nnumJoints 1\nmesh {"}, {"numMeshes 1", "numMeshes 0"}, {"numMeshes 1", "numMeshes 2"},
         {"arm\"\t0", "arm\"\t1", true}, {"arm\"\t0", "arm\"\t2"}, {"ot\"\t-1", "ot\"\t-2"}, // parents
         {"arm", "left arm"}, {"arm", "arm(", true}, {"arm", ""},
         {"( 0 0 0.70710678 )", "( 0 0 )"}, {"\"skin/a\"", "\"\""},
@@ -87,6 +88,18 @@ TEST(CodecMd5Model, RefusesWhatDoesNotFit) {
         EXPECT_EQ(Loads(text), c.Ok);
     }
     EXPECT_TRUE(Loads(s_File + "\n"));
+    EXPECT_TRUE(Loads("numMeshes 20\n" +
+                      [] {
+                          std::string meshes;
+                          for (int i = 0; i < 20; i++) {
+                              meshes += "mesh\n}\n";
+                          }
+                          return meshes;
+                      }()))
+        << "as short as can be";
+    // A parent that a later, smaller count leaves outside; counts that add up to more than the file holds.
+    EXPECT_FALSE(Loads("numJoints 5\njoints {\n a 4 0 0 0 0 0 0\n}\nnumJoints 1\n//" + std::string(60, '-')));
+    EXPECT_FALSE(Loads("numMeshes 2\nmesh\nnumverts 5\n}\nmesh\nnumverts 5\n}\n//" + std::string(60, '-')));
     for (size_t n = 0; n < s_File.size(); n++) {
         // Lines of no known word make a model without parts.
         ASSERT_EQ(Loads(s_File.substr(0, n)), n <= s_File.find("s 2\nnumMeshes")) << n;

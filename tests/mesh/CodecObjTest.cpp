@@ -75,6 +75,7 @@ TEST(CodecObj, ReadsItsDialect) {
         const std::string logged = Logged([&] { EXPECT_EQ(Load(text), c.Result); });
         const std::string warning = c.Warning && *c.Warning ? "cCodecObj: " + std::string(c.Warning) + ".\r\n" : "";
         EXPECT_EQ(logged, warning);
+        EXPECT_EQ(Load(text + "\n# so that the line before is not too near to the end"), c.Result);
         std::replace(text.begin(), text.end(), ' ', '\t'); // no line is a usual one then
         EXPECT_EQ(Load(text), c.Result);
     }
