@@ -1,6 +1,14 @@
-// The cost of state calls that the front end filters, beside the same calls handed straight to the device.
+// The cost of state calls that the front end filters, beside the same calls handed straight to the device; and drawing
+// on a device that does nothing.
+#include "files/cFile.h"
+#include "files/cIO.h"
 #include "math/cRect.h"
+#include "render/cFont.h"
 #include "tests/render/RecordingDevice.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
 
 #include <benchmark/benchmark.h>
 
@@ -11,9 +19,11 @@ namespace {
 /// Counts what reaches it.
 class CountingDevice : public RecordingDevice {
 public:
+    CountingDevice() { Quiet = true; }
     void SetDepthState(int) override { Calls++; }
     void SetClipRect(const cRect*) override { Calls++; }
     void ApplyTransforms() override { Calls++; }
+    int GetTextureID(const char*) override { return 0; }
     int Calls = 0;
 };
 
@@ -80,5 +90,66 @@ void BM_PushPopStates(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_PushPopStates);
+
+/// A font of the codes from 32 to 126.
+int TestFont() {
+    static const int s_ID = [] {
+        Device();
+        std::string folder = (std::filesystem::temp_directory_path() / "render-bench-XXXXXX").string();
+        cFont font;
+        font.Height = 16;
+        for (unsigned short code = 32; code < 127; code++) {
+            font.Glyphs.Add({code, 0, 1, 1, 0, 0, 0, 8, 10, 7, 0});
+        }
+        cFile file;
+        font.Write(&file);
+        if (!mkdtemp(folder.data())) {
+            return -1;
+        }
+        std::filesystem::create_directories(folder + "/Fonts");
+        cIO::SaveFile((folder + "/Fonts/Bench.cFont").c_str(), file);
+        cIO::SetDefaultSourceWriteFolder(folder.c_str());
+        const int id = cRender::GetFontID("Bench");
+        std::filesystem::remove_all(folder);
+        return id;
+    }();
+    return s_ID;
+}
+
+constexpr const char* s_Text = "The quick brown fox jumps over the lazy dog, 0123456789 times.";
+
+void BM_DrawString(benchmark::State& state) {
+    const int font = TestFont();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(cRender::DrawString(font, s_Text, 10, 20, cColor::White));
+    }
+    state.SetItemsProcessed(state.iterations() * int(std::char_traits<char>::length(s_Text)));
+}
+BENCHMARK(BM_DrawString);
+
+void BM_MeasureStringCells(benchmark::State& state) {
+    const int font = TestFont();
+    if (cRender::MeasureStringCells(font, s_Text).IsEmpty()) {
+        state.SkipWithError("no font");
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(cRender::MeasureStringCells(font, s_Text));
+    }
+    state.SetItemsProcessed(state.iterations() * int(std::char_traits<char>::length(s_Text)));
+}
+BENCHMARK(BM_MeasureStringCells);
+
+void BM_FillRectanglesSolid(benchmark::State& state) {
+    Device();
+    cList<cRect> rects;
+    for (int i = 0; i < state.range(0); i++) {
+        rects.Add(cRect(float(i), 0, float(i + 5), 9));
+    }
+    for (auto _ : state) {
+        cRender::FillRectanglesSolid(rects.Data(), rects.Count(), cColor::Red);
+    }
+    state.SetItemsProcessed(state.iterations() * rects.Count());
+}
+BENCHMARK(BM_FillRectanglesSolid)->Arg(1)->Arg(64)->Arg(4096);
 
 } // namespace

@@ -70,6 +70,12 @@ void cFont::Write(cFile* file) const {
 }
 
 const cFont::Glyph* cFont::Find(unsigned short code) const {
+    if (!Glyphs.IsEmpty()) { // most codes stand in the run that a table begins with
+        const int index = int(code) - int(Glyphs[0].Code);
+        if (index >= 0 && index < Glyphs.Count() && Glyphs[index].Code == code) {
+            return &Glyphs[index];
+        }
+    }
     const Glyph* glyph = std::lower_bound(Glyphs.begin(), Glyphs.end(), code,
                                           [](const Glyph& g, unsigned short c) { return g.Code < c; });
     return glyph != Glyphs.end() && glyph->Code == code ? glyph : nullptr;

@@ -82,13 +82,11 @@ bool BuildQuads(const cRect* rects, int count, const unsigned int colors[4], con
         if (rects[i].IsEmpty()) {
             continue;
         }
-        Vertex corners[4];
+        Vertex* corners = cRender_AddQuad(&s_Vertices, &s_Indices, quad);
         cRender_SetQuad(corners, rects[i]);
         for (int k = 0; k < 4; k++) {
             corners[k].Color = colors[k];
         }
-        cRender_AddQuadIndices(&s_Indices, s_Vertices.Count(), quad);
-        s_Vertices.AddRange(corners, 4);
     }
     return !s_Vertices.IsEmpty();
 }

@@ -46,17 +46,15 @@ void Grow(cRect* box, const cRect& by) {
 }
 
 void AddGlyph(const cFont::Glyph& glyph, const cRect& quad, unsigned int color) {
-    cRender_AddQuadIndices(&s_Indices, s_Vertices.Count());
-    Vertex corners[4];
+    Vertex* corners = cRender_AddQuad(&s_Vertices, &s_Indices);
     cRender_SetQuad(corners, quad);
     corners[0].TexCoord = {glyph.U0, glyph.V0};
     corners[1].TexCoord = {glyph.U0, glyph.V1};
     corners[2].TexCoord = {glyph.U1, glyph.V1};
     corners[3].TexCoord = {glyph.U1, glyph.V0};
-    for (Vertex& corner : corners) {
-        corner.Color = color;
+    for (int i = 0; i < 4; i++) {
+        corners[i].Color = color;
     }
-    s_Vertices.AddRange(corners, 4);
 }
 
 /// Walks the pen over `s_Codes`. Fills the scratch lists unless it only measures. @return the box to be aligned

@@ -32,11 +32,16 @@ template <class T> void cRender_SetQuad(T* vertices, const cRect& rect, float z 
     vertices[3].Pos = {rect.x1, rect.y1, z};
 }
 
-/// Appends the indexes of a quad that begins at a vertex. @param quad  six of them, from 0
-inline void cRender_AddQuadIndices(cList<int>* out, int first, const int* quad = cRender_QuadIndices) {
+/// Appends a quad to scratch lists. @param quad  its six indexes, from 0
+template <class T> T* cRender_AddQuad(cList<T>* vertices, cList<int>* indices, const int* quad = cRender_QuadIndices) {
+    const int first = vertices->Count(), firstIndex = indices->Count();
+    vertices->SetCount(first + 4);
+    indices->SetCount(firstIndex + 6);
+    int* index = indices->Data() + firstIndex;
     for (int i = 0; i < 6; i++) {
-        out->Add(first + quad[i]);
+        index[i] = first + quad[i];
     }
+    return vertices->Data() + first;
 }
 
 } // namespace trellis
