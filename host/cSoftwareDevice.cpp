@@ -259,11 +259,9 @@ template <class Index> void cSoftwareDevice::Assemble(cTopology::Enum topology, 
         }
         break;
     case cTopology::LineStrip:
-        for (int i = 0; i + 1 < count; i++) {
+        for (int i = 0, joined = false; i + 1 < count; i++) {
             const auto *a = vertex(i), *b = vertex(i + 1);
-            if (a && b) {
-                m_Raster.Line(*a, *b, i > 0 && vertex(i - 1)); // a joint would be blended twice
-            }
+            joined = a && b && m_Raster.Line(*a, *b, joined); // a joint would be blended twice
         }
         break;
     case cTopology::TriangleList:

@@ -177,7 +177,8 @@ int cSoftwareDevice::AddRenderDepth(int target, cFormat::Enum format) {
 
 void cSoftwareDevice::SetRenderTargetSize(int target, int width, int height) {
     Texture* texture = At(m_Textures, target);
-    if (!texture || texture->Data.GetUsage() != cSoftwareTexture::Usage::Color) {
+    if (!texture || texture->Data.GetUsage() != cSoftwareTexture::Usage::Color ||
+        !cSoftwareTexture::IsSize(width, height)) {
         return;
     }
     texture->Data.InitColor(texture->Data.GetFormat(), width, height, texture->Data.GetDepth());

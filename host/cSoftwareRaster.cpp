@@ -251,24 +251,26 @@ void cSoftwareRaster::Point(const Corner& a) {
     Run(a.Y >> 8, a.X >> 8, (a.X >> 8) + 1);
 }
 
-void cSoftwareRaster::Line(const Corner& a, const Corner& b, bool skipFirst) {
+bool cSoftwareRaster::Line(const Corner& a, const Corner& b, bool skipFirst) {
     if ((a.Out & b.Out) || ((a.Out | b.Out) & s_NotFinite)) {
-        return;
+        return false;
     }
     if (!(a.Out | b.Out)) {
         DrawLine(a, b, skipFirst);
-        return;
+        return true;
     }
     Vertex from, to;
     Corner ends[2];
     if (!ClipLine(*a.From, *b.From, &from, &to)) {
-        return;
+        return false;
     }
     Place(from, &ends[0]);
     Place(to, &ends[1]);
-    if (!(ends[0].Out | ends[1].Out)) {
-        DrawLine(ends[0], ends[1], skipFirst && !a.Out);
+    if (ends[0].Out | ends[1].Out) {
+        return false;
     }
+    DrawLine(ends[0], ends[1], skipFirst && !a.Out);
+    return true;
 }
 
 /// Bresenham's line between pixels, from the lower end to the upper one of the longer axis: its way back is the same.

@@ -66,7 +66,8 @@ public:
 
     // Vertices that are not finite draw nothing.
     void Point(const Corner& a);
-    void Line(const Corner& a, const Corner& b, bool skipFirst); ///< `skipFirst`: without the pixel of `a`.
+    /// @param skipFirst  without the pixel of `a`. @return whether there was anything of the line to draw
+    bool Line(const Corner& a, const Corner& b, bool skipFirst);
     void Triangle(const Corner& a, const Corner& b, const Corner& c);
 
 private:

@@ -75,8 +75,8 @@ public:
     }
 
 private:
-    cVec2 m_Orig;
-    cVec4 m_Colors[2];
+    cVec2 m_Orig{0, 0};
+    cVec4 m_Colors[2] = {};
 };
 
 class RadialGradient : public PositionShader {
@@ -141,10 +141,10 @@ private:
     }
 
     bool m_Horizontal;
-    cVec2 m_SegFrom, m_SegTo, m_CaveFrom, m_CaveTo;
-    cVec2 m_Unused[4]; // the circles say all of the shape
-    cVec4 m_CenterColor, m_BoundColor;
-    float m_SegRadius, m_GradRadius, m_Power;
+    cVec2 m_SegFrom{0, 0}, m_SegTo{0, 0}, m_CaveFrom{0, 0}, m_CaveTo{0, 0};
+    cVec2 m_Unused[4] = {}; // the circles say all of the shape
+    cVec4 m_CenterColor{}, m_BoundColor{};
+    float m_SegRadius = 0, m_GradRadius = 0, m_Power = 1;
     float m_HalfFlat = 0;
 };
 

@@ -124,7 +124,7 @@ bool cSoftwareTexture::SetFields(cFormat::Enum format, int width, int height, in
         return false;
     }
     const cFormat::Enum storage = usage == Usage::Depth ? cFormat::R32f : StorageOf(format);
-    return cImage::CalcImageSize64(storage, width, std::max(height, 1), depth, levels) < INT_MAX;
+    return cImage::CalcImageSize64(storage, width, std::max(height, 1), depth, levels) <= MaxBytes;
 }
 
 bool cSoftwareTexture::Init(const cImage& image) {

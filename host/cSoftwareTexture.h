@@ -26,8 +26,13 @@ public:
     enum class Usage { Image, Color, Depth };
 
     static constexpr int MaxSide = 16384;
+    static constexpr int MaxBytes = 1 << 29; ///< Of one texture: a process of 32 bits has room for a few.
 
-    /// @return false for depth and Pvr formats, an empty image and sides above `MaxSide`; the texture then has no
+    static constexpr bool IsSize(int width, int height) {
+        return width >= 1 && width <= MaxSide && height >= 1 && height <= MaxSide;
+    }
+
+    /// @return false for depth and Pvr formats, an empty image and what is above the limits; the texture then has no
     /// pixels
     bool Init(const cImage& image);
 

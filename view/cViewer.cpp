@@ -55,6 +55,7 @@ void cViewer::Update(bool forRender) {
     const float width = Side(Viewport.Width());
     const float height = Side(Viewport.Height());
     m_Aspect = Aspect == 0 ? width / height : Aspect;
+    m_IsParallel = IsOrtho;
     if (IsOrtho) {
         Projection = cMat4::Ortho(width / OrthoScale, height / OrthoScale, -OrthoDepth, OrthoDepth);
     } else if (IsInfinite) {
@@ -93,7 +94,7 @@ void cViewer::SetView(const cMat3& axes, const cVec3& eye) {
 void cViewer::CalcPlanes() {
     const cMat4 columns = cMat4::Transpose(ViewProjection);
     const cVec4 x = columns.GetRow(0), y = columns.GetRow(1), z = columns.GetRow(2), w = columns.GetRow(3);
-    const cVec4 inside[6] = {w + x, w - x, w + y, w - y, IsOrtho ? z : w + z, w - z};
+    const cVec4 inside[6] = {w + x, w - x, w + y, w - y, m_IsParallel ? z : w + z, w - z};
     std::transform(inside, inside + 6, Planes, PlaneOf);
 }
 
@@ -114,6 +115,8 @@ void cViewer::SetLookAtViewProjection(const cVec3& eye, const cVec3& target, flo
     const cVec3 forward = cVec3::Normalize(target - eye);
     const cVec3 right = cVec3::Normalize(cVec3::Cross(forward, cVec3::AxisY));
     SetView(cMat3::FromVectors(forward, right, cVec3::Normalize(cVec3::Cross(right, forward))), eye);
+    m_Aspect = aspect;
+    m_IsParallel = false;
     Projection = cMat4::Perspective(fovY, aspect, zNear, zFar);
     ViewProjection = cMat4::LookAtViewProjection(eye, target, fovY, aspect, zNear, zFar);
     cMat4::Invert(ViewProjection, &ViewProjectionInverse);
@@ -126,14 +129,14 @@ bool cViewer::CullPoint(const cVec3& p) const {
 
 cSeg cViewer::GetPickRay(const cVec2& p) const {
     constexpr float Eps = 0.001f;
-    const cVec3 from = Unproject(cVec4(p.x, p.y, IsOrtho ? 0.0f : -1.0f, 1), ViewProjectionInverse);
+    const cVec3 from = Unproject(cVec4(p.x, p.y, m_IsParallel ? 0.0f : -1.0f, 1), ViewProjectionInverse);
     cSeg ray;
-    ray.SetFromRay(from, IsOrtho ? Forward : from - Position, Eps);
+    ray.SetFromRay(from, m_IsParallel ? Forward : from - ViewInverse.GetTranslation(), Eps);
     return ray;
 }
 
 void cViewer::CalcFrustum(cFrustum* out, float zFar) const {
-    CalcFrustum(out, IsOrtho ? -OrthoDepth : ZNear, zFar);
+    CalcFrustum(out, m_IsParallel ? -OrthoDepth : ZNear, zFar);
 }
 
 void cViewer::CalcFrustum(cFrustum* out, float zNear, float zFar) const {

@@ -62,12 +62,12 @@ public:
     void PushState();
     void PopState(); ///< Ends with the `Update` that the state was last updated with. Nothing for an empty stack.
 
-    /// View and projection of an eye that looks at a target, past `Update` and the state, until the next update. The
-    /// lens' arguments are as of `cMat4::LookAtViewProjection`. The fields stay as they are.
+    /// View and projection of an eye that looks at a target, past `Update` and the state, until the next update; no
+    /// push keeps them. The lens' arguments are as of `cMat4::LookAtViewProjection`. The fields stay as they are.
     void SetLookAtViewProjection(const cVec3& eye, const cVec3& target, float fovY, float aspect, float zNear,
                                  float zFar);
 
-    /// A shift of the picture in the next updates, in pixels to the right and up by halves: 1 is half a pixel.
+    /// A shift of the picture in the next updates, no part of the state, in pixels to the right and up by halves: 1 is half a pixel.
     void SetDXY(float x, float y) { DXY = {x, y}; }
 
     bool CullPoint(const cVec3& p) const; ///< True behind any of the six planes.
@@ -102,6 +102,7 @@ private:
     void CalcPlanes();
 
     float m_Aspect = 1;
+    bool m_IsParallel = false; // the lens in use
 };
 
 } // namespace trellis

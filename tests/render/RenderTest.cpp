@@ -167,11 +167,11 @@ TEST_F(Render, TextureMatrices) {
 TEST_F(Render, TargetsNest) {
     Device.Textures = {{"", 64, 32, 1, 0, 1, 1}, {"", 16, 16, 1, 0, 1, 1}};
     cViewer viewer;
-    viewer.Viewport = cRect(10, 20, 410, 220);
+    viewer.Viewport = cRect(10, 20, 310, 120);
     viewer.Update(false);
     cRender::SetViewer(&viewer);
     cRender::SetClipRect(cRect(1, 2, 3, 4));
-    EXPECT_EQ(Device.Take(), "SetViewport 10,20,410,220\nApplyTransforms\nSetClipRect 1,2,3,4\n");
+    EXPECT_EQ(Device.Take(), "SetViewport 10,20,310,120\nApplyTransforms\nSetClipRect 1,2,3,4\n");
     const cMat4 outer = viewer.ViewProjection;
 
     const int targets[] = {0, 1};
@@ -179,23 +179,27 @@ TEST_F(Render, TargetsNest) {
     cRender::PushRenderTarget(targets, 2, 1, slices, true);
     EXPECT_EQ(Device.Take(), "SetRenderTarget [0,1] 2 1 [5,6]\nSetViewport 0,0,64,32\nApplyTransforms\n"
                              "SetClipRect empty\n");
-    EXPECT_EQ(viewer.Aspect, 2) << "the outer picture's";
+    EXPECT_EQ(viewer.Aspect, 3) << "the outer picture's";
     cRender::SetClipRect(cRect(0, 0, 5, 5));
     Device.Take();
 
     cRender::PushRenderTarget(targets + 1, 1, -1, nullptr, false);
     EXPECT_EQ(Device.Take(), "SetRenderTarget [1] 1 -1 null\nSetViewport 0,0,16,16\nApplyTransforms\n"
                              "SetClipRect empty\n");
-    EXPECT_EQ(viewer.GetAspect(), 2) << "as the target around it has it";
+    EXPECT_EQ(viewer.GetAspect(), 3) << "as the target around it has it";
 
     cRender::PopRenderTarget();
     EXPECT_EQ(Device.Take(), "SetRenderTarget [0,1] 2 1 [5,6]\nSetViewport 0,0,64,32\nApplyTransforms\n"
                              "SetClipRect 0,0,5,5\n");
     cRender::PopRenderTarget();
-    EXPECT_EQ(Device.Take(), "SetRenderTarget null 0 -1 null\nSetViewport 10,20,410,220\nApplyTransforms\n"
+    EXPECT_EQ(Device.Take(), "SetRenderTarget null 0 -1 null\nSetViewport 10,20,310,120\nApplyTransforms\n"
                              "SetClipRect 1,2,3,4\n");
     EXPECT_EQ(viewer.ViewProjection, outer);
     EXPECT_EQ(viewer.Aspect, 0);
+    cRender::PushRenderTarget(targets, 1, -1, nullptr, false);
+    EXPECT_EQ(viewer.GetAspect(), 2) << "the target's own";
+    cRender::PopRenderTarget();
+    Device.Take();
     cRender::PopRenderTarget();
     EXPECT_EQ(Device.Take(), "") << "nothing to pop";
 

@@ -184,11 +184,15 @@ TEST(Viewer, StatesComeBackAsTheyWereUpdated) {
 
 TEST(Viewer, LookAtPastTheState) {
     cViewer v;
+    v.IsOrtho = true;
+    v.Update(false);
     v.SetLookAtViewProjection(cVec3(5, 1, 0), cVec3(0, 1, 0), 90, 1, 1, 100);
     EXPECT_EQ(v.ViewProjection, cMat4::LookAtViewProjection(cVec3(5, 1, 0), cVec3(0, 1, 0), 90, 1, 1, 100));
     const cVec4 p = cVec4(0, 1, 0, 1) * v.View * v.Projection;
     EXPECT_NEAR(p.x / p.w, 0, 1e-6f);
     EXPECT_TRUE(v.CullPoint(cVec3(6, 1, 0)));
+    EXPECT_FALSE(v.CullPoint(cVec3(3.9f, 1, 0))) << "just behind the near plane";
+    EXPECT_LT(v.GetPickRay(cVec2(0, 0)).direction.x, 0);
     EXPECT_FALSE(v.CullPoint(cVec3(-1, 1, 2)));
     EXPECT_EQ(v.Position, cVec3::Zero);
 }
