@@ -120,7 +120,10 @@ bool IsDue(float* nextTimeSec, float rateSec) {
     if (now < *nextTimeSec) {
         return false;
     }
-    *nextTimeSec = std::max(*nextTimeSec, now - rateSec) + rateSec;
+    *nextTimeSec += rateSec;
+    if (*nextTimeSec <= now) {
+        *nextTimeSec = now + rateSec;
+    }
     return true;
 }
 
