@@ -191,8 +191,9 @@ public:
         cRender_Instance->DrawIndexed(topology, vertices, vertexCount, indices, indexCount, indexSize);
     }
 
-    // ---- Shapes of the interface, in points. Each is one draw of the device, unblended only where the caller chose
-    // the shader; an empty rectangle makes no call. Integers and floats come as left, bottom, right, top.
+    // ---- Shapes of the interface, in points. Each is one draw of the device, an unfolded cube six; all but the
+    // `...CurShader` ones are blended. An empty rectangle makes no call. Integers and floats come as left, bottom,
+    // right, top.
     static void DrawLine(int x0, int y0, int x1, int y1, const cColor& color);
     static void DrawLine(float x0, float y0, float x1, float y1, const cColor& color);
     static void DrawLine(const cVec2& a, const cVec2& b, const cColor& color);
@@ -309,12 +310,15 @@ public:
     /// @return box of the text; `cRect::Empty` without text or font
     static cRect DrawString(int font, const char* text, float x, float y, int flags, const cColor* color);
     static cRect DrawString(int font, const char* text, float x, float y, const cColor& color = cColor::Black);
-    static cRect DrawString(int font, const char* text, float x, float y, int flags, const cColor& color);
+    static cRect DrawString(int font, const char* text, float x, float y, int flags,
+                            const cColor& color = cColor::Black);
     static cRect DrawString(int font, const char* text, const cVec2& at, const cColor& color = cColor::Black);
-    static cRect DrawString(int font, const char* text, const cVec2& at, int flags, const cColor& color);
+    static cRect DrawString(int font, const char* text, const cVec2& at, int flags,
+                            const cColor& color = cColor::Black);
     /// At the place on the screen of a point in the world; nothing for one behind the eye.
     static cRect DrawString(int font, const char* text, const cVec3& at, const cColor& color = cColor::Black);
-    static cRect DrawString(int font, const char* text, const cVec3& at, int flags, const cColor& color);
+    static cRect DrawString(int font, const char* text, const cVec3& at, int flags,
+                            const cColor& color = cColor::Black);
     static cRect MeasureStringCells(int font, const char* text);
     static cRect MeasureStringTightRect(int font, const char* text);
     static void EnsurePrintable(int font, cStr* text); ///< Removes what the font has no glyph for.

@@ -5,6 +5,7 @@
 #include "render/cRender_Internal.h"
 #include "view/cViewer.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace trellis {
@@ -48,10 +49,14 @@ bool LinesLackTheirEnd() {
     return cRender::GetType() == 1 || s_IsRadeon;
 }
 
-/// The pixels of an outline whose coordinates add up to an even number.
+/// The pixels of an outline whose coordinates add up to an even number. What is beyond any screen is cut off.
 void AddDots(const cRect& rect, unsigned int color) {
-    const int x0 = int(std::floor(rect.x0)), x1 = int(std::floor(rect.x1)) - 1;
-    const int y0 = int(std::floor(rect.y0)), y1 = int(std::floor(rect.y1)) - 1;
+    const auto pixel = [](float v) { return int(std::floor(std::clamp(v, -32768.0f, 32768.0f))); };
+    const int x0 = pixel(rect.x0), x1 = pixel(rect.x1) - 1;
+    const int y0 = pixel(rect.y0), y1 = pixel(rect.y1) - 1;
+    if (x1 < x0 || y1 < y0) {
+        return;
+    }
     const auto add = [color](int x, int y) {
         if (((x + y) & 1) == 0) {
             s_Vertices.Add({cVec3(float(x), float(y), 0), color});
@@ -139,18 +144,19 @@ void cRender::DrawRectangle(float x0, float y0, float x1, float y1, const cColor
 }
 
 void cRender::DrawRectangle(const cRect& rect, const cColor& color) {
-    if (rect.IsEmpty()) {
+    const float right = rect.x1 - 1, top = rect.y1 - 1;
+    if (rect.IsEmpty() || right < rect.x0 || top < rect.y0) {
         return;
     }
     const unsigned int packed = color.ToDword();
-    const float right = rect.x1 - 1, top = rect.y1 - 1;
-    const float endX = LinesLackTheirEnd() ? rect.x1 : right;
-    const float endY = LinesLackTheirEnd() ? rect.y1 : top;
+    const float lack = LinesLackTheirEnd() ? 1 : 0;
+    // The corners belong to the upright lines alone, or they would be blended twice.
+    const float from = std::min(rect.x0 + 1, right), to = std::max(right - 1, from) + lack;
     const Vertex vertices[8] = {
-        {cVec3(rect.x0, rect.y0, 0), packed}, {cVec3(rect.x0, endY, 0), packed}, // left
-        {cVec3(right, rect.y0, 0), packed},   {cVec3(right, endY, 0), packed},   // right
-        {cVec3(rect.x0, rect.y0, 0), packed}, {cVec3(endX, rect.y0, 0), packed}, // bottom
-        {cVec3(rect.x0, top, 0), packed},     {cVec3(endX, top, 0), packed},     // top
+        {cVec3(rect.x0, rect.y0, 0), packed}, {cVec3(rect.x0, top + lack, 0), packed}, // left
+        {cVec3(right, rect.y0, 0), packed},   {cVec3(right, top + lack, 0), packed},   // right
+        {cVec3(from, rect.y0, 0), packed},    {cVec3(to, rect.y0, 0), packed},         // bottom
+        {cVec3(from, top, 0), packed},        {cVec3(to, top, 0), packed},             // top
     };
     DrawLines(LinesPointsShader(), vertices, 8);
 }
@@ -254,13 +260,14 @@ void cRender::DrawNoPreview(const cRect& rect, const cColor& color) {
     if (rect.IsEmpty()) {
         return;
     }
-    // Four arms of a cross, without an overlap that would show through; w is the height of an arm at the sides.
+    // Four arms of a cross, cut along the left and the right side, without an overlap that would show through. w is
+    // an arm's height there; 8 to 11 are the left, top, right and bottom of the crossing.
     //
-    //     8--7      6--5
-    //      `.  `10'  .'           9 to 12: left, top, right and bottom of the crossing
-    //      9  the   11
-    //      .'  .12.  `.
-    //     1--2      3--4          each corner is cut along the side: 0/1, 2/3, 4/5, 6/7 below
+    //     7 .         . 5
+    //     6   .  9  .   4
+    //         8   10
+    //     1   .  11 .   3
+    //     0 .         . 2
     constexpr float w = 0.08f;
     constexpr float m = (1 - 2 * w) / (2 * (1 - w)); // where an upper edge meets a lower one
     static constexpr cVec2 s_Pattern[] = {
@@ -292,6 +299,7 @@ void cRender::DrawNoPreview(const cRect& rect, const cColor& color) {
 namespace {
 
 constexpr int CircleSegments = 32;
+constexpr int MaxSegments = 4096; // a screen shows no more
 constinit cImmortal<cList<Vertex>> s_CircleVertexStore;
 constinit cImmortal<cList<int>> s_CircleIndexStore;
 constinit cList<Vertex>& cRender_FillCircle_VB = s_CircleVertexStore.Value;
@@ -312,6 +320,7 @@ void SizeFan(int segments) {
 
 void DrawFan(const cVec3& center, const cVec3& right, const cVec3& up, unsigned int color, float from, float to,
              int segments) {
+    segments = std::min(segments, MaxSegments);
     SizeFan(segments);
     cRender_FillCircle_VB[0] = {center, color};
     for (int i = 0; i <= segments; i++) {
@@ -360,6 +369,7 @@ void cRender::FillCirclesCurShader(const cVec3* centers, const float* radii, int
     if (count < 1 || segments < 1) {
         return;
     }
+    segments = std::min(segments, MaxSegments);
     cVec3 right, up;
     normal.ToPerps(right, up);
     cList<cVertex::PositionOnly>& vertices = s_Store.Value;

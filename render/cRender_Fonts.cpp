@@ -122,7 +122,9 @@ void DrawGlyphs(int texture) {
     cRender::SetWireframe(wireframe);
 }
 
-/// Place of a point of the world in the viewport. @return false for one at or behind the eye, and without a viewer
+/// Place of a point of the world in the viewport. A parallel lens has no eye to be behind of.
+///
+/// @return false for one at or behind the eye, and without a viewer
 bool Project(const cVec3& p, cVec2* out) {
     const cViewer* viewer = cRender::GetViewer();
     if (!viewer) {
@@ -135,6 +137,11 @@ bool Project(const cVec3& p, cVec2* out) {
     const cVec3 at = cVec3(clip.x / clip.w, clip.y / clip.w, 0) * viewer->ScreenInverse;
     *out = at.ToVec2();
     return true;
+}
+
+/// Bytes of a UTF-8 sequence by its first one.
+int SequenceLength(unsigned char first) {
+    return first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
 }
 
 } // namespace
@@ -191,7 +198,7 @@ cRect cRender::DrawString(int fontID, const char* text, float x, float y, int fl
     x = Snap(x);
     y = Snap(y);
     cRect box = LayOut(*font, x, y, flags, (color ? *color : cColor::Black).ToDword());
-    if (box.IsEmpty()) {
+    if (box.IsEmpty() && s_Vertices.IsEmpty()) {
         return cRect::Empty;
     }
     const cVec2 shift = ShiftOf(*font, box, x, y, flags);
@@ -246,11 +253,16 @@ void cRender::EnsurePrintable(int fontID, cStr* text) {
         return;
     }
     cStr kept;
+    kept.ReserveMore(text->Length());
+    cStr& character = s_TextStore.Value;
     for (int i = 0; i < text->Length();) {
-        const int length = std::max(text->CalcUTF8Length(i), 1);
-        const cStr character(text->Text() + i, 0, length);
-        const bool decodes = character.DecodeUTF8(&s_Codes);
-        if (decodes && std::all_of(s_Codes.begin(), s_Codes.end(), [&](unsigned short c) { return font->Find(c); })) {
+        const int length = std::min(SequenceLength(static_cast<unsigned char>((*text)[i])), text->Length() - i);
+        character.Copy(text->Text() + i, 0, length);
+        if (!character.DecodeUTF8(&s_Codes)) {
+            i++; // one bad byte takes nothing with it
+            continue;
+        }
+        if (std::all_of(s_Codes.begin(), s_Codes.end(), [&](unsigned short c) { return font->Find(c); })) {
             kept.Append(character);
         }
         i += length;

@@ -53,7 +53,7 @@ const Gradient& HorizontalGradient() {
     return s_Gradient;
 }
 
-/// Sets the state and the constants that all shapes have, and leaves the caves' off.
+/// Sets the state and the constants that all shapes have.
 void SetSegment(const Gradient& g, const cVec2& from, const cVec2& to, float segRadius, float gradRadius, float power,
                 const cColor& center, const cColor& bound) {
     cRender_SetShapeState(g.Shader);
@@ -72,6 +72,14 @@ void DrawQuad(const cRect& rect) {
     cRender::DrawIndexed(cTopology::TriangleList, vertices, 4, cRender_QuadIndices, 6, 4);
 }
 
+/// A segment's gradient in a rectangle of its own.
+void FillSegment(const Gradient& g, const cRect& rect, const cVec2& from, const cVec2& to, float segRadius,
+                 float gradRadius, float power, const cColor& center, const cColor& bound) {
+    SetSegment(g, from, to, segRadius, gradRadius, power, center, bound);
+    cRender::SetShaderConst(g.HalfFlat, 0.0f); // no cave
+    DrawQuad(rect);
+}
+
 } // namespace
 
 void cRender::FillSegmentRadialGradient(const cVec2& from, const cVec2& to, float segRadius, float gradRadius,
@@ -83,10 +91,8 @@ void cRender::FillSegmentRadialGradient(const cVec2& from, const cVec2& to, floa
     if (rect.IsEmpty() || gradRadius < 0) {
         return;
     }
-    const Gradient& g = horizontal ? HorizontalGradient() : FreeGradient();
-    SetSegment(g, from, to, segRadius, gradRadius, power, center, bound);
-    SetShaderConst(g.HalfFlat, 0.0f);
-    DrawQuad(rect);
+    FillSegment(horizontal ? HorizontalGradient() : FreeGradient(), rect, from, to, segRadius, gradRadius, power,
+                center, bound);
 }
 
 void cRender::FillSegmentRadialGradient(const cRect& rect, float segRadius, float power, int horizontal,
@@ -105,10 +111,7 @@ void cRender::FillRectangleRadialGradient(const cRect& rect, float segRadius, fl
     if (rect.IsEmpty()) {
         return;
     }
-    const Gradient& g = FreeGradient();
-    SetSegment(g, rect.Center(), rect.Center(), segRadius, gradRadius, power, center, bound);
-    SetShaderConst(g.HalfFlat, 0.0f);
-    DrawQuad(rect);
+    FillSegment(FreeGradient(), rect, rect.Center(), rect.Center(), segRadius, gradRadius, power, center, bound);
 }
 
 void cRender::FillCircleRadialGradient(const cVec2& at, float segRadius, float gradRadius, float power,

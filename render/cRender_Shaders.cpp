@@ -171,8 +171,10 @@ bool Compile(const Compiler& compiler, bool vertex, const Variant& variant, cons
     cStr arguments = vertex ? compiler.VertexArguments : compiler.PixelArguments;
     const int src = arguments.IndexOf("SRC"), obj = arguments.IndexOf("OBJ");
     const auto put = [&arguments](int at, const cStr& file) {
+        const cStr path = WrittenPath(file);
+        const bool isQuoted = at > 0 && arguments[at - 1] == '"';
         arguments.Remove(at, 3);
-        arguments.Insert(at, WrittenPath(file));
+        arguments.Insert(at, isQuoted ? path : cStr::Format("\"%s\"", path.Text())); // it may hold blanks
     };
     put(src > obj ? src : obj, src > obj ? temp : object); // the later one first, as a path may hold either word
     put(src > obj ? obj : src, src > obj ? object : temp);

@@ -152,7 +152,7 @@ void cRender::DrawIcon(const cRect& rect, int texture, int index, IconState::Enu
     }
     const int width = GetTextureWidth(texture), height = GetTextureHeight(texture);
     const int columns = width / cellWidth;
-    if (columns < 1 || height < 1) {
+    if (columns < 1 || index / columns >= height / cellHeight) {
         return;
     }
     static const int s_Shader = GetShaderID("IconUI", Corner::FormatID);

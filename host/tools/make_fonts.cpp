@@ -85,7 +85,7 @@ bool Rasterise(FT_Face face, const Recipe& recipe, std::vector<Ink>* out) {
         }
         out->push_back(std::move(ink));
     }
-    return out->size() > size_t(cFont::Placeholder);
+    return out->size() > '~' - ' ' && (*out)['~' - ' '].Code == '~'; // none of ASCII is missing
 }
 
 /// Lays the glyphs into rows of a picture of that width. @return its height

@@ -115,8 +115,12 @@ TEST_F(Draw, OneDrawWithItsState) {
 
 TEST_F(Draw, NothingIsAllocatedInTheSteadyState) {
     Device.Quiet = true;
+    Device.Textures = {{"2D", 8, 8, 1, 0, 1, 0}};
     const cRect rects[40] = {};
     const auto all = [&] {
+        cRender::FillRectangleTextured(cRect(0, 0, 8, 8), 0, {});
+        cRender::DrawIcon(cRect(0, 0, 8, 8), 0, 0, cRender::IconState::Normal, 1, 8, 8);
+        cRender::FillRectangleDither(cRect(0, 0, 8, 8), cVec2(0, 0), cColor::Red, cColor::Blue);
         cRender::DrawRectangle(cRect(0, 0, 50, 50), cColor::Red);
         cRender::DrawRectangleDot(cRect(0, 0, 50, 50), cColor::Red);
         cRender::FillRectanglesSolid(rects, 40, cColor::Red);
@@ -186,8 +190,9 @@ TEST_F(Draw, LinesThatLackTheirEndAreLonger) {
     const auto* v = draw.As<cVertex::PositionColored>();
     EXPECT_EQ(v[1].Pos, cVec3(2, 7, 0));
     EXPECT_EQ(v[3].Pos, cVec3(8, 7, 0));
-    EXPECT_EQ(v[5].Pos, cVec3(9, 3, 0));
-    EXPECT_EQ(v[7].Pos, cVec3(9, 6, 0));
+    EXPECT_EQ(v[4].Pos, cVec3(3, 3, 0));
+    EXPECT_EQ(v[5].Pos, cVec3(8, 3, 0));
+    EXPECT_EQ(v[7].Pos, cVec3(8, 6, 0));
 }
 
 TEST_F(Draw, GradientsGiveTheirCornersColours) {
@@ -279,6 +284,8 @@ TEST_F(Draw, IconsCountFromTheTopLeft) {
     EXPECT_EQ(v[2].TexCoord, cVec2(0.5f, 0));
     cRender::DrawIcon(cRect(0, 0, 16, 16), 0, 0, cRender::IconState::Normal, 1, 0, 16);
     cRender::DrawIcon(cRect(0, 0, 16, 16), 0, -1, cRender::IconState::Normal, 1, 16, 16);
+    cRender::DrawIcon(cRect(0, 0, 16, 16), 0, 8, cRender::IconState::Normal, 1, 16, 16);
+    cRender::DrawIcon(cRect(0, 0, 16, 16), 0, 0x7FFFFFFF, cRender::IconState::Normal, 1, 16, 16);
     EXPECT_EQ(Device.TakeDraws().size(), 0u);
 }
 

@@ -1,6 +1,7 @@
 #include "files/cFile.h"
 #include "render/cFont.h"
 #include "tests/files/Folders.h"
+#include "tests/render/Allocations.h"
 #include "tests/render/RecordingDevice.h"
 #include "view/cViewer.h"
 
@@ -197,10 +198,26 @@ TEST_F(Text, WhatCannotBeWritten) {
                 "b\xE2\x82\xAC"
                 "c\n\xFFz";
     cRender::EnsurePrintable(Font, &text);
-    EXPECT_STREQ(text, "abc");
+    EXPECT_STREQ(text, "abcz");
+    cStr pasted;
+    pasted.SetLength(1000000, 'a');
+    cRender::EnsurePrintable(Font, &pasted); // within the time that the test has
+    EXPECT_EQ(pasted.Length(), 1000000);
     cStr untouched = "\xC3\xA4";
     cRender::EnsurePrintable(-1, &untouched);
     EXPECT_STREQ(untouched, "\xC3\xA4");
+}
+
+TEST_F(Text, NothingIsAllocatedInTheSteadyState) {
+    Device.Quiet = true;
+    const auto write = [this] {
+        cRender::DrawString(Font, "a text that is longer than a short one", 0, 0);
+        cRender::MeasureStringCells(Font, "a text that is longer than a short one");
+    };
+    write();
+    const int allocations = AllocationCount();
+    write();
+    EXPECT_EQ(AllocationCount(), allocations);
 }
 
 TEST_F(Text, PointsOfTheWorld) {
