@@ -106,12 +106,9 @@ public:
     }
 
     /// Whether all that the mesh names is there. Lists may be sized behind the lines that name their elements.
-    ///
-    /// @param most  weights of all vertices together, so that vertices which share many cannot take for ever
-    bool Check(int joints, long long most) const {
+    bool Check(int joints) const {
         for (const Vertex& vertex : Vertices) {
-            most -= vertex.Count;
-            if (vertex.First < 0 || vertex.Count < 0 || vertex.Count > s_MaxWeights || most < 0 ||
+            if (vertex.First < 0 || vertex.Count < 0 || vertex.Count > s_MaxWeights ||
                 vertex.First > Weights.Count() - vertex.Count) {
                 return false;
             }
@@ -197,7 +194,7 @@ public:
             }
         }
         for (const cCodecMd5_Mesh& mesh : Meshes) {
-            if (!mesh.Check(joints, file.GetSize())) {
+            if (!mesh.Check(joints)) {
                 return false;
             }
         }

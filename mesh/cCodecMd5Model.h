@@ -5,7 +5,8 @@
 
 namespace trellis {
 
-/// Units are halved, and Z upward becomes Y upward. Reads only. On false the model holds what was built so far.
+/// Units are halved, and Z upward becomes Y upward. Reads only; a vertex with more than 256 weights refuses the file.
+/// On false the model holds what was built so far.
 class cCodecMd5Model : public cIO::ModelCodec {
 public:
     bool Encodes() const override { return false; }

@@ -17,8 +17,8 @@ public:
     /// @return false, and `*out` is as after `Free`, for a file that is cut short or contradicts itself
     bool Decode(const cFile& file, cModel* out) override;
     /// @return false for what `Decode` would refuse, being more than the file can hold or a contradiction: more than
-    ///         32767 joints or meshes, longer names, zero bytes in them, indexes above 65535, outside the vertices or
-    ///         the joints, parents outside the list
+    ///         32767 joints or meshes, longer names, zero bytes in them, indexes above 65535 or outside the vertices,
+    ///         joint indexes above 255 or outside the joints, parents outside the list
     bool Encode(const cModel& model, cFile* out) override;
 };
 

@@ -78,16 +78,14 @@ public:
     /// Becomes a sphere: rings of `slices` + 1 vertices with a doubled seam, and a vertex per slice at each pole.
     ///
     /// @param slices  around the Y axis, at least 1
-    /// @param stacks  from the pole at the top to the other, at least 2; less of either, or more than an int can count,
-    /// gives an empty
-    ///                model
+    /// @param stacks  from the pole at the top to the other, at least 2; less of either, or more than an int counts,
+    ///                gives an empty model
     void GenSphere(const cVec3& center, float radius, int slices, int stacks);
 
     /// Cuts a static model into a regular grid: each triangle goes whole to the cell of its centroid.
     ///
-    /// @param out  receives a model for each cell that is not empty, by x, then y, then z; must not hold this model. At
-    /// most
-    ///             2^20 cells along an axis count
+    /// @param out  receives a model for each cell that is not empty, by x, then y, then z; must not hold this
+    ///             model. At most 2^20 cells along an axis count
     /// @return false for a skinned model, and where a cell is larger than the model in all axes
     bool Split(cList<cModel>* out, const cVec3& cellSize) const;
 

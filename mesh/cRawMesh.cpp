@@ -32,7 +32,7 @@ struct NormalSum {
     }
     cVec3 Finish() const {
         const double largest = std::max({std::fabs(x), std::fabs(y), std::fabs(z)});
-        if (!(largest > 0)) {
+        if (!std::isfinite(x + y + z) || largest == 0) {
             return cVec3::AxisZ;
         }
         return cVec3::Normalize(cVec3(float(x / largest), float(y / largest), float(z / largest)));

@@ -23,6 +23,7 @@ public:
     struct HashEntry {
         int Index;    ///< Of the vertex in its split.
         int Material; ///< Of the split.
+        int Point;
         HashEntry* Next;
     };
 
@@ -81,7 +82,7 @@ public:
 private:
     template <class T> class Welder;
 
-    HashEntry* AddEntry(int index, int material) const;
+    HashEntry* AddEntry(int index, int material, int point) const;
 
     mutable cList<HashEntry*> m_EntryBlocks; // owned; the chains are made of their entries
     mutable int m_EntriesLeft = 0;           // in the last block

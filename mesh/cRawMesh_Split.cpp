@@ -1,6 +1,8 @@
 #include "mesh/cRawMesh.h"
 
+#include <cstdint>
 #include <cstring>
+#include <random>
 #include <utility>
 
 namespace trellis {
@@ -37,7 +39,7 @@ void cRawMesh::FreeHashTables() const {
     m_EntriesLeft = 0;
 }
 
-cRawMesh::HashEntry* cRawMesh::AddEntry(int index, int material) const {
+cRawMesh::HashEntry* cRawMesh::AddEntry(int index, int material, int point) const {
     constexpr int blockSize = 4096;
     if (m_EntriesLeft == 0) {
         m_EntryBlocks.Add(new HashEntry[blockSize]);
@@ -46,6 +48,7 @@ cRawMesh::HashEntry* cRawMesh::AddEntry(int index, int material) const {
     HashEntry* entry = &m_EntryBlocks[m_EntryBlocks.Count() - 1][blockSize - m_EntriesLeft--];
     entry->Index = index;
     entry->Material = material;
+    entry->Point = point;
     entry->Next = nullptr;
     return entry;
 }
@@ -67,10 +70,10 @@ public:
                 return (*link)->Index;
             }
             if (++length == LongChain) {
-                return WeldByBytes(material, vertex);
+                return WeldByBytes(material, point, vertex);
             }
         }
-        return Add(link, material, vertex);
+        return Add(link, material, point, vertex);
     }
 
 private:
@@ -82,36 +85,41 @@ private:
                std::memcmp(&m_Splits[material]->Vertices[entry.Index], vertex, sizeof(T)) == 0;
     }
 
-    int Add(HashEntry** link, int material, const unsigned char* vertex) {
+    int Add(HashEntry** link, int material, int point, const unsigned char* vertex) {
         T fresh;
         std::memcpy(static_cast<void*>(&fresh), vertex, sizeof(T));
-        *link = m_Mesh.AddEntry(m_Splits[material]->Vertices.Add(fresh), material);
+        *link = m_Mesh.AddEntry(m_Splits[material]->Vertices.Add(fresh), material, point);
         return (*link)->Index;
     }
 
-    int WeldByBytes(int material, const unsigned char* vertex) {
+    int WeldByBytes(int material, int point, const unsigned char* vertex) {
         if (m_Count == m_ByBytes.Count()) {
             Grow();
         }
-        HashEntry** link = &Bucket(material, vertex);
+        HashEntry** link = &Bucket(material, point, vertex);
         for (; *link; link = &(*link)->Next) {
-            if (IsAt(**link, material, vertex)) {
+            if ((*link)->Point == point && IsAt(**link, material, vertex)) { // points may lie at one place
                 return (*link)->Index;
             }
         }
         m_Count++;
-        return Add(link, material, vertex);
+        return Add(link, material, point, vertex);
     }
 
-    /// FNV-1a by words (Fowler, Noll and Vo), with its high bits folded in.
-    HashEntry*& Bucket(int material, const unsigned char* vertex) {
-        unsigned hash = 2166136261u ^ unsigned(material);
+    /// Multiplies and folds word by word, from a seed that no file can know: its vertices cannot be made to meet.
+    HashEntry*& Bucket(int material, int point, const unsigned char* vertex) {
+        static const uint64_t s_Seed = std::random_device()() | 1ull << 32;
+        const auto mix = [](uint64_t hash, unsigned word) {
+            hash = (hash ^ word) * 0x9E3779B97F4A7C15ull;
+            return hash ^ hash >> 32;
+        };
+        uint64_t hash = mix(mix(s_Seed, unsigned(material)), unsigned(point));
         for (size_t i = 0; i < sizeof(T); i += sizeof(unsigned)) {
             unsigned word;
             std::memcpy(&word, vertex + i, sizeof(word));
-            hash = (hash ^ word) * 16777619u;
+            hash = mix(hash, word);
         }
-        return m_ByBytes[int((hash ^ hash >> 15) & unsigned(m_ByBytes.Count() - 1))];
+        return m_ByBytes[int(hash & unsigned(m_ByBytes.Count() - 1))];
     }
 
     void Grow() {
@@ -122,7 +130,8 @@ private:
             while (entry) {
                 HashEntry* next = std::exchange(entry->Next, nullptr);
                 const T& vertex = m_Splits[entry->Material]->Vertices[entry->Index];
-                HashEntry*& bucket = Bucket(entry->Material, reinterpret_cast<const unsigned char*>(&vertex));
+                HashEntry*& bucket =
+                    Bucket(entry->Material, entry->Point, reinterpret_cast<const unsigned char*>(&vertex));
                 entry->Next = bucket;
                 bucket = entry;
                 entry = next;

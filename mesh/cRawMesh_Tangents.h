@@ -33,14 +33,14 @@ inline bool cRawMesh_WeighTangents(const cVec3& p0, const cVec3& p1, const cVec3
     return true;
 }
 
-/// To unit length; without a length it becomes the Z axis. Sums of weighted vectors may be far from 1 either way, and
-/// their squares beyond float: those are brought near it first.
+/// To unit length; without a length, or with one beyond float, it becomes the Z axis. Sums of weighted vectors may be
+/// far from 1 either way, and their squares beyond float: those are brought near it first.
 inline void cRawMesh_FinishVector(cVec3* v) {
     const float largest = std::max({std::fabs(v->x), std::fabs(v->y), std::fabs(v->z)});
-    if (largest > 0 && largest <= cMath::FloatMaxValue && (largest > 1e15f || largest < 1e-15f)) {
+    if (largest > 1e15f || largest < 1e-15f) {
         *v = {v->x / largest, v->y / largest, v->z / largest};
     }
-    if (v->Normalize() == 0) {
+    if (!(v->Normalize() > 0)) { // also for what is no number
         *v = cVec3::AxisZ;
     }
 }

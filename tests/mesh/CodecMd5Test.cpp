@@ -87,6 +87,15 @@ TEST(CodecMd5Model, RefusesWhatDoesNotFit) {
         text.replace(text.find(c.From), std::string(c.From).size(), c.To);
         EXPECT_EQ(Loads(text), c.Ok);
     }
+    for (int weights : {256, 257}) {
+        std::string text =
+            "numJoints 1\nnumMeshes 1\njoints\na -1 0 0 0 0 0 0\n}\nmesh\nnumverts 2\nvert 0 0 0 0 256\nvert 1 0 0 0 " +
+            std::to_string(weights) + "\nnumweights 257\n";
+        for (int i = 0; i < 257; i++) {
+            text += "weight " + std::to_string(i) + " 0 1 0 0 0\n";
+        }
+        EXPECT_EQ(Loads(text + "}"), weights == 256);
+    }
     EXPECT_TRUE(Loads(s_File + "\n"));
     EXPECT_TRUE(Loads("numMeshes 20\n" +
                       [] {

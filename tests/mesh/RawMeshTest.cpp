@@ -64,6 +64,22 @@ TEST(RawMesh, NormalsOfFacesOfAnySize) {
     }
 }
 
+TEST(RawMesh, PointsAtOnePlaceStayApart) {
+    for (int kinds : {2, 42}) { // of corners at each point: short chains, and long ones
+        cRawMesh mesh;
+        mesh.Points.Add(cVec3::Zero, 2);
+        for (int i = 0; i < kinds * 3; i++) {
+            mesh.TexCoords.Add(cVec2(float(i / 3), 0));
+            const int point = i % 2;
+            AddPoly(&mesh, 0, {{point, i, 0}, {1 - point, i, 0}, {point, i, 0}});
+        }
+        cList<cRawSplit<cVertex::Bump>*> splits;
+        mesh.Split(&splits);
+        EXPECT_EQ(splits[0]->Vertices.Count(), 2 * kinds);
+        delete splits[0];
+    }
+}
+
 TEST(RawMesh, ManyMaterialsAndManyVerticesAtOnePoint) { // within the time and memory that the test has
     cRawMesh mesh;
     constexpr int Count = 60000;
