@@ -1,13 +1,9 @@
 // The cost of state calls that the front end filters, beside the same calls handed straight to the device; and drawing
 // on a device that does nothing.
-#include "files/cFile.h"
-#include "files/cIO.h"
+#include "bench/BenchFonts.h"
 #include "math/cRect.h"
-#include "render/cFont.h"
 #include "tests/render/RecordingDevice.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -91,27 +87,11 @@ void BM_PushPopStates(benchmark::State& state) {
 }
 BENCHMARK(BM_PushPopStates);
 
-/// A font of the codes from 32 to 126.
 int TestFont() {
     static const int s_ID = [] {
         Device();
-        std::string folder = (std::filesystem::temp_directory_path() / "render-bench-XXXXXX").string();
-        cFont font;
-        font.Height = 16;
-        for (unsigned short code = 32; code < 127; code++) {
-            font.Glyphs.Add({code, 0, 1, 1, 0, 0, 0, 8, 10, 7, 0});
-        }
-        cFile file;
-        font.Write(&file);
-        if (!mkdtemp(folder.data())) {
-            return -1;
-        }
-        std::filesystem::create_directories(folder + "/Fonts");
-        cIO::SaveFile((folder + "/Fonts/Bench.cFont").c_str(), file);
-        cIO::SetDefaultSourceWriteFolder(folder.c_str());
-        const int id = cRender::GetFontID("Bench");
-        std::filesystem::remove_all(folder);
-        return id;
+        const BenchFonts fonts({"Bench"});
+        return cRender::GetFontID("Bench");
     }();
     return s_ID;
 }
