@@ -106,7 +106,7 @@ constexpr struct {
     {Parts::Label, "Label", "nda"},
     {Parts::Separator, "Separator", "nd"},
     {Parts::ColorSwatch, "Colour swatch", "nhfd"},
-    {Parts::Panel, "Panel", "nhpftda"},
+    {Parts::Panel, "Panel", "nhpftd"},
     {Parts::DropDown, "Drop-down", "npa"},
     {Parts::ToolTip, "Tool tip", "na"},
     {Parts::ImageSwatch, "Image swatch", "nhda"},
@@ -177,7 +177,7 @@ private:
             x += Gap;
             rowHeight = std::max(rowHeight, sample.Rect.Height());
         }
-        return y - rowHeight - Captions;
+        return y - rowHeight - Captions - Gap;
     }
 
     // ---- Windows in use

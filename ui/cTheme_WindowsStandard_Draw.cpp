@@ -686,7 +686,7 @@ void Painter::Paint() {
 void cTheme_WindowsStandard::Draw(const DrawArgs& args) const {
     const bool isScrollBar = args.Part >= Parts::VScrollTrack && args.Part <= Parts::HScrollArrowRight;
     const float alpha = args.Alpha * args.FormAlpha * args.CurVisible * (isScrollBar ? args.Shown : 1);
-    const bool isBorder = args.Part >= Parts::SizeLeft && args.Part <= Parts::SizeLeftBottom; // felt, not seen
+    const bool isBorder = args.Part >= Parts::SizeLeft && args.Part <= Parts::SizeRightTop; // felt, not seen
     if (!(alpha > 0) || isBorder || args.Part == Parts::None || args.Part == Parts::Count) {
         return;
     }

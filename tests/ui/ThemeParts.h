@@ -9,7 +9,7 @@
 namespace trellis {
 
 inline bool IsDrawnPart(int part) {
-    return part != cTheme::Parts::None && (part < cTheme::Parts::SizeLeft || part > cTheme::Parts::SizeLeftBottom);
+    return part != cTheme::Parts::None && (part < cTheme::Parts::SizeLeft || part > cTheme::Parts::SizeRightTop);
 }
 
 /// @param each  called with the arguments of every part, a drop-down's rows and a swatch without a texture included

@@ -293,6 +293,9 @@ TEST_F(Widgets, EveryoneIsAskedOnceWhetherItIsHot) {
 
 TEST_F(Widgets, TipsComeAfterALag) {
     cFakeClock clock;
+    struct Restore {
+        ~Restore() { cTimer::Reset(); } // other tests have the real clock
+    } restore;
     const auto frame = [&clock](float seconds) {
         clock.Advance((long long)(seconds * 1e6f));
         cTimer::Acquire();

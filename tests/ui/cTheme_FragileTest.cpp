@@ -24,7 +24,7 @@ constexpr float GlyphWidth = 10;
 const cRect s_OuterClip(1, 2, 300, 200);
 
 bool IsDrawn(int part) {
-    return part != Parts::None && (part < Parts::SizeLeft || part > Parts::SizeLeftBottom);
+    return part != Parts::None && (part < Parts::SizeLeft || part > Parts::SizeRightTop);
 }
 
 /// What a part needs to show something.

@@ -1,6 +1,7 @@
 #include "ui/cTheme_WindowsStandard.h"
 
 #include "files/cFile.h"
+#include "foundation/cTimer.h"
 #include "render/cFont.h"
 #include "tests/files/Folders.h"
 #include "tests/render/Allocations.h"
@@ -210,6 +211,7 @@ TEST_F(Classic, TheCaretStandsBehindItsTextAndCountsUtf16) {
     args.Toggled = true;
     args.Value = "a\xF0\x9F\x99\x82z"; // the middle one is a surrogate pair
     args.Caret = 3;
+    args.CaretTime = cTimer::GetSystemTimeSec(); // other tests move the clock
     args.ScrollX = -2;
     const auto draws = Draw(theme, args);
     const auto* caret = draws.back().As<cVertex::PositionColored>();
