@@ -11,6 +11,7 @@
 #include "math/cRect.h"
 #include "math/cVec4.h"
 
+#include <algorithm>
 #include <cfloat>
 
 namespace trellis {
@@ -91,7 +92,8 @@ public:
         };
     };
 
-    /// What a part is drawn from; unused fields stay as they are made. Amounts run from 0 to 1.
+    /// What a part is drawn from; unused fields stay as they are made: at rest, enabled, seen, without a picture.
+    /// Amounts run from 0 to 1. How grey and how visible a part is, `CurEnabled` and `CurVisible` tell.
     ///
     /// | part | beside Clip, Rect, the states and amounts |
     /// |---|---|
@@ -144,7 +146,7 @@ public:
         bool Visible = true;
         float CurEnabled = 1;
         float CurVisible = 1;
-        float Shown = 1; ///< Of a scroll bar.
+        float Shown = 1; ///< Of a scroll bar; 1 for other parts.
         float Alpha = 1;
         cList<cStr> Items;
         cList<int> ItemFlags;
@@ -152,6 +154,8 @@ public:
         float FormAlpha = 1;
         cVec2 Position{};
         int Align = 0; ///< A `cRect::Align`: which point of the tip stands at `Position`.
+
+        int GetSelEnd() const { return int(std::min((long long)SelStart + SelLen, 0x7FFFFFFFLL)); }
     };
 
     virtual ~cTheme() = default;
@@ -222,6 +226,9 @@ public:
     cVec2 ButtonIconSize{};
     cVec2 ButtonArrowSize{}; ///< Of an icon button with an arrow.
 
+    float SliderSteps = 20; ///< Steps that the keys divide a range into.
+    int SliderStepsInt = 20;
+
     int BindButtonFont = -1;
     float BindButtonPadding = 0;
     float BindButtonMinWidth = 0;
@@ -262,8 +269,6 @@ public:
     float SliderMinWidth = 0;
     float SliderHeight = 0;
     float SliderThumbWidth = 0;
-    float SliderSteps = 20; ///< Steps that the keys divide a range into.
-    int SliderStepsInt = 20;
 
     int LabelFont = -1;
     float LabelPadding = 0;

@@ -10,10 +10,11 @@ namespace trellis {
 cTheme_Fragile::cTheme_Fragile() {
     const int small = cRender::GetFontID("Calibri 11");
     const int large = cRender::GetFontID("Calibri 16");
-    FormTitleFont = cRender::GetFontID("Calibri B24");
+    const int title = cRender::GetFontID("Calibri B24");
     if (small == -1 || large == -1) {
         return;
     }
+    FormTitleFont = title;
     const int smallHeight = cRender::GetFont(small)->Height;
     Scale = smallHeight > 0 ? float(cRender::GetFont(large)->Height) / float(smallHeight) : 1;
     ButtonFont = BindButtonFont = CheckBoxFont = ComboFont = EditFont = SliderFont = LabelFont = large;

@@ -258,7 +258,7 @@ void cTheme_Fragile::DrawEdit(const Pen& pen) {
     }
     if (a.SelLen > 0) {
         const float from = x + WidthBefore(theme.EditFont, text, a.SelStart);
-        const float to = x + WidthBefore(theme.EditFont, text, a.SelStart + a.SelLen);
+        const float to = x + WidthBefore(theme.EditFont, text, a.GetSelEnd());
         pen.Fill({from, std::floor(y - half), to, std::floor(y + half)}, Colors::WithAlpha(Colors::Accent, 0.42f));
     }
     pen.Line(theme.EditFont, text, {x, y}, pen.Ink());

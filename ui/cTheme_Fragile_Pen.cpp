@@ -47,13 +47,17 @@ struct Core {
     float Radius;
 };
 
+float AlphaOf(const cTheme::DrawArgs& args) {
+    const float alpha = args.Alpha * args.FormAlpha * args.CurVisible * args.Shown;
+    return alpha > 0 ? std::min(alpha, 1.0f) : 0; // also for what is no number
+}
+
 } // namespace
 
 cTheme_Fragile_Pen::cTheme_Fragile_Pen(const cTheme_Fragile& theme, const Args& args)
     : Theme(theme), A(args), Hot(args.Pressed ? 1.0f : std::clamp(args.Hot, 0.0f, 1.0f)),
       Enable(std::clamp(args.CurEnabled, 0.0f, 1.0f)), HasFocus(args.Active && TakesFocus(args.Part)),
-      m_Alpha(std::clamp(args.Alpha * args.FormAlpha * args.CurVisible * args.Shown, 0.0f, 1.0f)),
-      m_Transformed(args.Transform != cMat4()) {
+      m_Alpha(AlphaOf(args)), m_Transformed(args.Transform != cMat4()) {
     cRender::PushClipRect();
     cRender::SetClipRect(args.Clip);
     if (m_Transformed) {

@@ -126,11 +126,17 @@ float WidthOf(int font, const char* text) {
     return cRender::MeasureStringCells(font, text).Width();
 }
 
+/// Bytes of the UTF-8 sequence at an offset, by its first one: a bad byte takes nothing with it.
+int SequenceLength(const cStr& text, int at) {
+    const auto first = static_cast<unsigned char>(text[at]);
+    return first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+}
+
 /// Bytes in front of a UTF-16 index.
 int BytesBefore(const cStr& text, int index) {
     int bytes = 0;
     while (index > 0 && bytes < text.Length()) {
-        const int length = text.CalcUTF8Length(bytes);
+        const int length = SequenceLength(text, bytes);
         index -= length == 4 ? 2 : 1; // a surrogate pair
         bytes += length;
     }
@@ -144,7 +150,7 @@ const char* Shortened(int font, const cStr& text, float room) {
     }
     constexpr const char* Dots = "...";
     int fitting = -1;
-    for (int bytes = 0; bytes < text.Length(); bytes += text.CalcUTF8Length(bytes)) {
+    for (int bytes = 0; bytes < text.Length(); bytes += SequenceLength(text, bytes)) {
         if (WidthOf(font, Prefix(text, bytes, Dots)) > room) {
             break;
         }
@@ -460,7 +466,7 @@ void Painter::Edit() const {
     const float y0 = m_Args.ValueRect.y0 + 3, y1 = m_Args.ValueRect.y1 - 3;
     Clipped({room.x0, y0, room.x1 + 1, y1}, [&] { line(Text); });
     if (m_Args.SelLen > 0) {
-        const cRect selected(xOf(m_Args.SelStart), y0, xOf(m_Args.SelStart + m_Args.SelLen), y1);
+        const cRect selected(xOf(m_Args.SelStart), y0, xOf(m_Args.GetSelEnd()), y1);
         const cRect shown = cRect::Intersect(selected, {room.x0, y0, room.x1 + 1, y1});
         Clipped(shown, [&] {
             Solid(shown, Selection);
@@ -521,8 +527,8 @@ void Painter::Board(const cRect& r) const {
     cRect squares[MaxSide * MaxSide / 2];
     int count = 0;
     const float side = std::max(8.0f, std::ceil(std::max(r.Width(), r.Height()) / MaxSide));
-    for (int y = 0; r.y0 + float(y) * side < r.y1; y++) {
-        for (int x = y & 1; r.x0 + float(x) * side < r.x1; x += 2) {
+    for (int y = 0; y < MaxSide && r.y0 + float(y) * side < r.y1; y++) { // rounding may see one more
+        for (int x = y & 1; x < MaxSide && r.x0 + float(x) * side < r.x1; x += 2) {
             const cVec2 at(r.x0 + float(x) * side, r.y0 + float(y) * side);
             squares[count++] = cRect::Intersect({at.x, at.y, at.x + side, at.y + side}, r);
         }
@@ -544,7 +550,7 @@ void Painter::ImageSwatch() const {
     if (r.IsEmpty()) {
         return;
     }
-    if (m_Args.Texture == -1) {
+    if (m_Args.Texture == -1 || cRender::GetTextureWidth(m_Args.Texture) < 1) {
         cRender::DrawNoPreview(Inset(r, 4), Fade(IdleTitleEnd, m_Alpha));
     } else {
         cRender::FillRectangleTexturedArgs texture;

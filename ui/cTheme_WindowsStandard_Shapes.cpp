@@ -169,6 +169,9 @@ void cTheme_WindowsStandard::DrawRectangleWindowsStandard(const cRect& rect, con
 
 void cTheme_WindowsStandard::FillRectangleWindowsStandard(const cRect& rect, WindowsStandardFill fill,
                                                           const WindowsStandardTone& tone) {
+    if (size_t(fill) >= std::size(s_Bevels)) {
+        return;
+    }
     const Bevel& bevel = s_Bevels[size_t(fill)];
     cRect r(Round(rect.x0), Round(rect.y0), Round(rect.x1), Round(rect.y1));
     const auto shrink = [&r] { r = {r.x0 + 1, r.y0 + 1, r.x1 - 1, r.y1 - 1}; };
@@ -186,6 +189,9 @@ void cTheme_WindowsStandard::FillRectangleWindowsStandard(const cRect& rect, Win
 
 void cTheme_WindowsStandard::DrawDecalWindowsStandard(const cVec2& center, WindowsStandardDecal decal,
                                                       const cColor& color) {
+    if (size_t(decal) >= std::size(s_DecalRows)) {
+        return;
+    }
     const DecalLines& lines = LinesOf(decal);
     Vertex vertices[2 * DecalLines::MaxLines];
     const unsigned int packed = color.ToDword();
