@@ -7,6 +7,7 @@
 #include "tests/files/Folders.h"
 #include "tests/render/Allocations.h"
 #include "tests/render/RecordingDevice.h"
+#include "tests/ui/ThemeMetrics.h"
 
 #include <cstdio>
 #include <memory>
@@ -111,6 +112,7 @@ TEST(BareFragile, HasNoSizeWithoutItsFontsAndStillDraws) {
 
 TEST_F(Fragile, SizesGrowWithTheFonts) {
     const cTheme& t = *Theme;
+    CheckMetrics(t);
     const struct {
         const char* Name;
         float Value, Expected; // floor(v * 13 / 9 + 0.5) of the plain lengths

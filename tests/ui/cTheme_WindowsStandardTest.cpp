@@ -5,6 +5,7 @@
 #include "render/cFont.h"
 #include "tests/files/Folders.h"
 #include "tests/render/Allocations.h"
+#include "tests/ui/ThemeMetrics.h"
 #include "tests/ui/ThemeParts.h"
 
 #include <set>
@@ -85,6 +86,23 @@ TEST(BareClassic, DrawsWithoutFontsAndTextures) {
         EXPECT_EQ(device.TakeDraws().empty(), !IsDrawnPart(args.Part) || args.Part == Parts::FormTitle);
     });
     RecordingDevice::Uninstall();
+}
+
+TEST_F(Classic, MetricsAsInTheTable) {
+    CheckMetrics(cTheme_WindowsStandard());
+    EXPECT_EQ(cTheme::ToolTipDelaySec, 0.5f);
+    EXPECT_EQ(cTheme::CharRepeatDelaySec, 0.4f);
+    EXPECT_EQ(cTheme::CharRepeatRateSec, 0.04f);
+    EXPECT_EQ(cTheme::GamepadRepeatDelaySec, 0.3f);
+    EXPECT_EQ(cTheme::GamepadRepeatRateSec, 0.12f);
+}
+
+TEST_F(Classic, SwatchesAnywhere) { // a corner at which the rounding sees one square more than there is room for
+    Args args;
+    args.Part = Parts::ImageSwatch;
+    args.Texture = int(Device.Textures.size()) - 1;
+    args.ValueRect = args.Rect = cRect(1154.98669f, 15.2842798f, 1286.98669f, 147.2842798f);
+    EXPECT_FALSE(Draw(cTheme_WindowsStandard(), args).empty());
 }
 
 TEST_F(Classic, Metrics) {
