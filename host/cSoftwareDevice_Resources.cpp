@@ -181,7 +181,11 @@ void cSoftwareDevice::SetRenderTargetSize(int target, int width, int height) {
         !cSoftwareTexture::IsSize(width, height)) {
         return;
     }
-    texture->Data.InitColor(texture->Data.GetFormat(), width, height, texture->Data.GetDepth());
+    cSoftwareTexture fresh;
+    if (!fresh.InitColor(texture->Data.GetFormat(), width, height, texture->Data.GetDepth())) {
+        return;
+    }
+    texture->Data = std::move(fresh);
     for (const auto& other : m_Textures) {
         if (other && other->Owner == target) {
             other->Data.InitDepth(other->Data.GetFormat(), width, height);

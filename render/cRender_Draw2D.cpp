@@ -150,15 +150,18 @@ void cRender::DrawRectangle(const cRect& rect, const cColor& color) {
     }
     const unsigned int packed = color.ToDword();
     const float lack = LinesLackTheirEnd() ? 1 : 0;
-    // The corners belong to the upright lines alone, or they would be blended twice.
-    const float from = std::min(rect.x0 + 1, right), to = std::max(right - 1, from) + lack;
+    // The corners belong to the upright lines alone, and lines that would fall together are left out: what is
+    // translucent is blended once.
+    const float from = rect.x0 + 1, to = right - 1 + lack;
     const Vertex vertices[8] = {
         {cVec3(rect.x0, rect.y0, 0), packed}, {cVec3(rect.x0, top + lack, 0), packed}, // left
         {cVec3(right, rect.y0, 0), packed},   {cVec3(right, top + lack, 0), packed},   // right
         {cVec3(from, rect.y0, 0), packed},    {cVec3(to, rect.y0, 0), packed},         // bottom
         {cVec3(from, top, 0), packed},        {cVec3(to, top, 0), packed},             // top
     };
-    DrawLines(LinesPointsShader(), vertices, 8);
+    const bool isFlat = top - rect.y0 < 1, isThin = right - rect.x0 < 1;
+    const int lines = isThin ? 1 : right - 1 < from ? 2 : isFlat ? 3 : 4;
+    DrawLines(LinesPointsShader(), vertices, lines * 2);
 }
 
 void cRender::DrawRectangleDot(const cRect& rect, const cColor& color) {

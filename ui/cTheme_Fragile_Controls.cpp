@@ -1,5 +1,6 @@
 #include "foundation/cTimer.h"
 #include "render/cRender.h"
+#include "ui/cThemeText.h"
 #include "ui/cTheme_Fragile.h"
 #include "ui/cTheme_Fragile_Icons.h"
 #include "ui/cTheme_Fragile_Pen.h"
@@ -40,25 +41,6 @@ void Raised(const Pen& pen, const cRect& rect, float chosen = 0) {
     }
     pen.Focus(rect);
     pen.Glass(rect, pen.Able(center, Colors::RaisedOff), pen.Able(bound, Colors::RaisedOffEdge));
-}
-
-/// Bytes before a place in the text. @param index  in UTF-16; behind the end means the end
-int BytesBefore(const char* text, int index) {
-    int at = 0;
-    while (text[at] && index > 0) {
-        index -= (text[at] & 0xF8) == 0xF0 ? 2 : 1;
-        at++;
-        while ((text[at] & 0xC0) == 0x80) {
-            at++;
-        }
-    }
-    return at;
-}
-
-/// Points before a place in the text. Cells add up, and what follows it needs no copy to be measured.
-float WidthBefore(int font, const char* text, int index) {
-    return cRender::MeasureStringCells(font, text).Width() -
-           cRender::MeasureStringCells(font, text + BytesBefore(text, index)).Width();
 }
 
 } // namespace
@@ -257,14 +239,14 @@ void cTheme_Fragile::DrawEdit(const Pen& pen) {
         return;
     }
     if (a.SelLen > 0) {
-        const float from = x + WidthBefore(theme.EditFont, text, a.SelStart);
-        const float to = x + WidthBefore(theme.EditFont, text, a.GetSelEnd());
+        const float from = x + cThemeText::WidthBefore(theme.EditFont, text, a.SelStart);
+        const float to = x + cThemeText::WidthBefore(theme.EditFont, text, a.GetSelEnd());
         pen.Fill({from, std::floor(y - half), to, std::floor(y + half)}, Colors::WithAlpha(Colors::Accent, 0.42f));
     }
     pen.Line(theme.EditFont, text, {x, y}, pen.Ink());
     const float blink = theme.EditCaretBlinkSec, since = cTimer::GetSystemTimeSec() - a.CaretTime;
     if (blink <= 0 || since < 0 || std::fmod(since, 2 * blink) < blink) {
-        const float at = std::floor(x + WidthBefore(theme.EditFont, text, a.Caret) + 0.5f);
+        const float at = std::floor(x + cThemeText::WidthBefore(theme.EditFont, text, a.Caret) + 0.5f);
         pen.Fill({at, std::floor(y - half), at + caret, std::floor(y + half)}, Colors::Light);
     }
     pen.EndPiece();

@@ -1,6 +1,7 @@
 #include "ui/cTheme_Fragile_Pen.h"
 
 #include "render/cRender.h"
+#include "ui/cThemeText.h"
 #include "ui/cTheme_Fragile.h"
 
 #include <algorithm>
@@ -56,7 +57,7 @@ float AlphaOf(const cTheme::DrawArgs& args) {
 
 cTheme_Fragile_Pen::cTheme_Fragile_Pen(const cTheme_Fragile& theme, const Args& args)
     : Theme(theme), A(args), Hot(args.Pressed ? 1.0f : std::clamp(args.Hot, 0.0f, 1.0f)),
-      Enable(std::clamp(args.CurEnabled, 0.0f, 1.0f)), HasFocus(args.Active && TakesFocus(args.Part)),
+      Enable(std::clamp(args.CurEnabled, 0.0f, 1.0f)), HasFocus(args.Active && args.Enabled && TakesFocus(args.Part)),
       m_Alpha(AlphaOf(args)), m_Transformed(args.Transform != cMat4()) {
     cRender::PushClipRect();
     cRender::SetClipRect(args.Clip);
@@ -282,32 +283,11 @@ void cTheme_Fragile_Pen::Text(int font, const char* text, const cRect& box, int 
     if (!*text || box.IsEmpty()) {
         return;
     }
-    static constexpr char s_Ellipsis[] = "...";
-    char cut[256];
-    float width = cRender::MeasureStringCells(font, text).Width();
-    if (width > box.Width() + 0.5f) {
-        const float room = box.Width() - cRender::MeasureStringCells(font, s_Ellipsis).Width();
-        int fits = 0, tooMany = std::min(int(std::strlen(text)), int(sizeof(cut) - sizeof(s_Ellipsis))) + 1;
-        while (tooMany - fits > 1) {
-            const int middle = (fits + tooMany) / 2;
-            int at = middle; // not inside of a sequence
-            while (at > 0 && (text[at] & 0xC0) == 0x80) {
-                at--;
-            }
-            const float part = width - cRender::MeasureStringCells(font, text + at).Width(); // cells add up
-            (part <= room ? fits : tooMany) = middle;
-        }
-        while (fits > 0 && (text[fits] & 0xC0) == 0x80) {
-            fits--;
-        }
-        std::memcpy(cut, text, size_t(fits));
-        std::memcpy(cut + fits, s_Ellipsis, sizeof(s_Ellipsis));
-        text = cut;
-        width = cRender::MeasureStringCells(font, text).Width();
-        if (width > box.Width() + 0.5f) {
-            return; // no room for anything
-        }
+    text = cThemeText::Shortened(font, text, box.Width() + 0.5f);
+    if (!text) {
+        return;
     }
+    const float width = cThemeText::Width(font, text);
     const float x = align == cRect::LeftMiddle    ? box.x0
                     : align == cRect::RightMiddle ? box.x1 - width
                                                   : box.Center().x - width / 2;

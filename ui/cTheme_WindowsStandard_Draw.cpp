@@ -2,6 +2,7 @@
 #include "foundation/cImmortal.h"
 #include "foundation/cTimer.h"
 #include "render/cRender.h"
+#include "ui/cThemeText.h"
 #include "ui/cTheme_WindowsStandard.h"
 #include "ui/cTheme_WindowsStandard_Colors.h"
 
@@ -110,55 +111,6 @@ private:
 
 // ---- Text
 
-constinit cImmortal<cList<char>> s_ScratchStore;
-
-/// The first bytes of a text, and a tail; good until the next call.
-const char* Prefix(const cStr& text, int bytes, const char* tail = "") {
-    cList<char>& scratch = s_ScratchStore.Value;
-    const int tailBytes = int(std::strlen(tail));
-    scratch.SetCount(bytes + tailBytes + 1);
-    std::memcpy(scratch.Data(), text.Text(), size_t(bytes));
-    std::memcpy(scratch.Data() + bytes, tail, size_t(tailBytes) + 1);
-    return scratch.Data();
-}
-
-float WidthOf(int font, const char* text) {
-    return cRender::MeasureStringCells(font, text).Width();
-}
-
-/// Bytes of the UTF-8 sequence at an offset, by its first one: a bad byte takes nothing with it.
-int SequenceLength(const cStr& text, int at) {
-    const auto first = static_cast<unsigned char>(text[at]);
-    return first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-}
-
-/// Bytes in front of a UTF-16 index.
-int BytesBefore(const cStr& text, int index) {
-    int bytes = 0;
-    while (index > 0 && bytes < text.Length()) {
-        const int length = SequenceLength(text, bytes);
-        index -= length == 4 ? 2 : 1; // a surrogate pair
-        bytes += length;
-    }
-    return std::min(bytes, text.Length());
-}
-
-/// The text, or as much of it as has room in front of three dots; null when not even these have.
-const char* Shortened(int font, const cStr& text, float room) {
-    if (WidthOf(font, text) <= room) {
-        return text;
-    }
-    constexpr const char* Dots = "...";
-    int fitting = -1;
-    for (int bytes = 0; bytes < text.Length(); bytes += SequenceLength(text, bytes)) {
-        if (WidthOf(font, Prefix(text, bytes, Dots)) > room) {
-            break;
-        }
-        fitting = bytes;
-    }
-    return fitting < 0 ? nullptr : Prefix(text, fitting, Dots);
-}
-
 /// Top of a line that stands in the middle of a row.
 float LineTop(int font, const cStr& text, const cRect& room) {
     return std::floor((room.y0 + room.y1 + cRender::MeasureStringCells(font, text).Height()) / 2);
@@ -166,11 +118,11 @@ float LineTop(int font, const cStr& text, const cRect& room) {
 
 void Painter::Write(int font, const cStr& text, const cRect& room, bool isCentered, const cColor& color,
                     float enabled) const {
-    const char* shown = room.IsEmpty() ? nullptr : Shortened(font, text, room.Width());
+    const char* shown = room.IsEmpty() ? nullptr : cThemeText::Shortened(font, text, room.Width());
     if (!shown) {
         return;
     }
-    const float left = isCentered ? std::floor((room.Width() - WidthOf(font, shown)) / 2) : 0;
+    const float left = isCentered ? std::floor((room.Width() - cThemeText::Width(font, shown)) / 2) : 0;
     const cVec2 at(room.x0 + left, LineTop(font, text, room));
     if (enabled < 1) {
         cRender::DrawString(font, shown, at.x + 1, at.y - 1, Fade(Light, m_Alpha * (1 - enabled)));
@@ -459,7 +411,7 @@ void Painter::Edit() const {
         return;
     }
     const float left = room.x0 + m_Args.ScrollX, top = LineTop(font, text, room);
-    const auto xOf = [&](int index) { return left + WidthOf(font, Prefix(text, BytesBefore(text, index))); };
+    const auto xOf = [&](int index) { return left + cThemeText::WidthBefore(font, text, index); };
     const auto line = [&](const cColor& color) {
         cRender::DrawString(font, text, left, top, Fade(Mix(GreyText, color, m_Enabled), m_Alpha));
     };
@@ -514,7 +466,7 @@ void Painter::Separator() const {
         return;
     }
     Write(m_Theme.SeparatorFont, m_Args.Text, r, false, Text, m_Enabled);
-    const float width = WidthOf(m_Theme.SeparatorFont, m_Args.Text);
+    const float width = cThemeText::Width(m_Theme.SeparatorFont, m_Args.Text);
     const float left = r.x0 + (width > 0 ? width + TextGap : 0);
     if (left < r.x1) {
         Groove(left, r.x1, std::floor((r.y0 + r.y1) / 2));

@@ -65,6 +65,17 @@ TEST_F(Interface, OutlinesAndDots) {
     cRender::DrawRectangle(1, 1, 6, 5, cColor(1, 1, 1, 0.5f));
     EXPECT_EQ(Gray(1, 1), Gray(3, 1)) << "corners are blended once";
     EXPECT_EQ(Gray(5, 4), Gray(1, 2));
+    for (const auto& [w, h] : {std::pair(1, 6), std::pair(2, 6), std::pair(3, 3), std::pair(6, 1), std::pair(6, 2)}) {
+        Wipe();
+        cRender::DrawRectangle(2, 2, 2 + w, 2 + h, cColor(1, 1, 1, 0.5f));
+        for (int y = 0; y < 10; y++) {
+            for (int x = 0; x < 10; x++) {
+                const bool inside = x >= 2 && x < 2 + w && y >= 2 && y < 2 + h;
+                const bool inner = x > 2 && x < 1 + w && y > 2 && y < 1 + h;
+                EXPECT_NEAR(Gray(x, y), inside && !inner ? 128 : 0, 1) << w << "x" << h << " at " << x << " " << y;
+            }
+        }
+    }
     Wipe();
     cRender::DrawRectangle(5, 2, 5, 8, cColor::White);
     cRender::DrawRectangleDot(cRect(5, 2, 5, 8), cColor::White);

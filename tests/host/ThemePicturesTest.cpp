@@ -1,5 +1,5 @@
-// Every part of both themes on the software device, beside small pictures that a person has looked at: what changes by
-// accident is noticed. With TRELLIS_WRITE_REFERENCES set the pictures are written instead.
+// Every part of both themes, at rest, on the software device, beside small pictures that a person has looked at: what
+// changes by accident is noticed. With TRELLIS_WRITE_REFERENCES set the pictures are written instead.
 #include "files/cFile.h"
 #include "host/ThemeSamples.h"
 #include "host/cSoftwareDevice.h"
