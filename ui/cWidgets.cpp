@@ -40,20 +40,21 @@ struct cWidgets::CriticalSection {
     const bool Outer = s_CriticalSection;
 };
 
-/// Calls `call(id, widget)` for every widget, layers and orders from the front. True ends the walk. The lists may
-/// change under it: each step looks at them anew.
+/// Calls `call(id, widget)` for every widget, layers and orders from the front. True ends the walk. Nobody is called
+/// twice, however the lists change: each layer is walked as it stood when its turn came.
 template <class F> void cWidgets::ForEachFromFront(F call) {
     for (int layer = LayerCount - 1; layer >= 0; layer--) {
-        const cList<int>& order = s_Order[layer];
-        for (int i = order.Count() - 1; i >= 0; i--) {
-            if (i >= order.Count()) {
-                continue; // some have gone
-            }
-            const int id = MakeID(layer, order[i]);
+        const int start = s_Walks.Count(); // walks within walks stand behind each other
+        s_Walks.AddRange(s_Order[layer].Data(), s_Order[layer].Count());
+        bool isDone = false;
+        for (int i = s_Walks.Count() - 1; i >= start && !isDone; i--) {
+            const int id = MakeID(layer, s_Walks[i]);
             cWidget* widget = GetWidget(id);
-            if (widget && call(id, widget)) {
-                return;
-            }
+            isDone = widget && call(id, widget);
+        }
+        s_Walks.SetCount(start);
+        if (isDone) {
+            return;
         }
     }
 }
@@ -89,6 +90,7 @@ void cWidgets::Remove(int layer, int slot) {
     if (s_ToolTipBlock == widget) {
         s_ToolTipBlock = nullptr;
     }
+    s_ToolTipStr.Clear(); // it may have been this widget's, and its theme's; the next frame asks again
     delete widget;
     s_FreeSlots[layer].Add(slot);
 }
@@ -280,28 +282,29 @@ void cWidgets::UpdateToolTip(int captured, int hot) {
 
 void cWidgets::HandleInputEvents() {
     FreeDead();
+    const int captured = m_idSendTo;
     int hot;
-    FindHot(m_idSendTo, &hot);
+    FindHot(captured, &hot);
     cInput::Cursor::Enum cursor = cInput::Cursor::Default;
     cWidget* hotWidget = GetWidget(hot);
     if (!hotWidget || !hotWidget->OnSetCursor(&cursor)) {
         cursor = cInput::Cursor::Default;
     }
     cInput::SetCursor(cursor);
-    UpdateToolTip(m_idSendTo, hot);
+    UpdateToolTip(captured, hot);
 
     const CriticalSection section;
     while (const std::unique_ptr<cInput::Event> event{cInput::GetEvent()}) {
         const cInput::Event& e = *event;
-        const int captured = m_idSendTo; // it may change from event to event
+        const int receiver = m_idSendTo; // it may change from event to event
         // The captured widget first, and then all others, until one consumes it.
-        const auto dispatch = [captured](auto call) {
-            cWidget* widget = GetWidget(captured);
+        const auto dispatch = [receiver](auto call) {
+            cWidget* widget = GetWidget(receiver);
             if (widget && call(widget)) {
                 return;
             }
             ForEachFromFront([&](int id, cWidget* other) {
-                if (id == captured) {
+                if (id == receiver) {
                     return false;
                 }
                 m_idCurProcessing = id;

@@ -66,6 +66,7 @@ private:
     static inline constinit cList<cWidget*> s_Layers[LayerCount];
     static inline constinit cList<int> s_Order[LayerCount];
     static inline constinit cList<int> s_FreeSlots[LayerCount];
+    static inline constinit cList<int> s_Walks; // slots of the layers that are being walked
     static inline constinit cList<int> s_ToFree;
     static inline constinit cList<int> s_BringToFront;
     static inline bool s_CriticalSection = false;

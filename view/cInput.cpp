@@ -115,8 +115,9 @@ void AddChar(const cInput::CharPress& press, bool repeat = false) {
 
 /// Whether a repetition is due. The first comes after a delay, the others at a rate; after a stall there is one, not
 /// all that were missed.
-bool IsDue(float* nextTimeSec, float rateSec) {
+bool IsDue(float* nextTimeSec, float delaySec, float rateSec) {
     const float now = cTimer::GetSystemTimeSec();
+    *nextTimeSec = std::min(*nextTimeSec, now + std::max(delaySec, rateSec)); // the clock may have been reset
     if (now < *nextTimeSec) {
         return false;
     }
@@ -127,86 +128,48 @@ bool IsDue(float* nextTimeSec, float rateSec) {
     return true;
 }
 
-void AcquireKeys(State& s) {
-    static cImmortal<cInput::KeyboardState> s_Previous;
-    cInput::KeyboardState& previous = s_Previous.Value;
-    cInput::AcquireKeyboard(&s.cInput_KeyboardState);
-    s.cInput_Chars.Clear();
-    if (s.Samplers.Chars) {
-        s.Samplers.Chars(&s.cInput_Chars);
+/// Button events of a device for what has changed. @param first  code of the first button
+void AddChanges(const bool* now, const bool* before, int count, int first) {
+    for (int i = 0; i < count; i++) {
+        if (now[i] != before[i]) {
+            AddButton(first + i, now[i]);
+        }
     }
+}
+
+/// What was typed in this frame: the host's characters, and the keys that print nothing.
+void AddChars(State& s, const cList<bool>& before) {
     const cList<bool>& now = s.cInput_KeyboardState.IsDown;
     for (int code = 0; code < cInput::KeyCount; code++) {
-        if (now[code] == previous.IsDown[code]) {
-            continue;
-        }
-        AddButton(code, now[code]);
         const auto typed = std::find_if(s.cInput_Chars.begin(), s.cInput_Chars.end(),
                                         [code](const cInput::CharPress& c) { return c.Code == code; });
-        if (now[code] && typed == s.cInput_Chars.end()) {
+        if (now[code] && !before[code] && typed == s.cInput_Chars.end()) {
             s.cInput_Chars.Add({-1, code});
         }
     }
     for (const cInput::CharPress& press : s.cInput_Chars) {
         AddChar(press);
-        if (press.Code != -1) {
+        if (cInput::IsDown(press.Code)) { // not one that was let go between two samples
             s.Repeating = press;
             s.cInput_CharsStartRepeatTimeSec = cTimer::GetSystemTimeSec() + cTheme::CharRepeatDelaySec;
         }
     }
-    if (!cInput::IsDown(s.Repeating.Code)) {
-        s.Repeating = {-1, -1};
-    } else if (IsDue(&s.cInput_CharsStartRepeatTimeSec, cTheme::CharRepeatRateSec)) {
-        AddChar(s.Repeating, true);
-    }
-    previous.IsDown = now;
 }
 
-void AcquireGamepad(State& s) {
-    const cInput::GamepadState previous = s.cInput_GamepadState;
-    s.cInput_GamepadState = cInput::GamepadState();
-    if (s.Samplers.Gamepad) {
-        s.Samplers.Gamepad(&s.cInput_GamepadState);
+void AddRepeats(State& s, const cInput::GamepadState& before) {
+    if (!cInput::IsDown(s.Repeating.Code)) {
+        s.Repeating = {-1, -1};
+    } else if (IsDue(&s.cInput_CharsStartRepeatTimeSec, cTheme::CharRepeatDelaySec, cTheme::CharRepeatRateSec)) {
+        AddChar(s.Repeating, true);
     }
     for (int i = 0; i < cInput::GamepadCount; i++) {
         const bool down = s.cInput_GamepadState.IsDown[i];
         float* next = &s.cInput_GamepadStartRepeatTimeSec[i];
-        if (down != previous.IsDown[i]) {
-            AddButton(cInput::DpadUp + i, down);
+        if (down != before.IsDown[i]) {
             *next = cTimer::GetSystemTimeSec() + cTheme::GamepadRepeatDelaySec;
-        } else if (down && IsDue(next, cTheme::GamepadRepeatRateSec)) {
+        } else if (down && IsDue(next, cTheme::GamepadRepeatDelaySec, cTheme::GamepadRepeatRateSec)) {
             AddButton(cInput::DpadUp + i, true, true);
         }
-    }
-}
-
-void AcquireMouse(State& s) {
-    const cInput::MouseState previous = s.cInput_MouseState;
-    s.cInput_MouseState.Wheel = 0;
-    s.cInput_MouseState.DoubleClick = false;
-    if (s.Samplers.Mouse) {
-        s.Samplers.Mouse(&s.cInput_MouseState);
-    }
-    const cInput::MouseState& now = s.cInput_MouseState;
-    s.cInput_MousePos = s.cInput_MousePosAcquire = now.Position;
-    cInput::UpdateMousePosOrient();
-    s.cInput_WheelDelta = now.Wheel;
-    s.cInput_DoubleClick = now.DoubleClick;
-
-    s.cInput_MouseDelta = now.Position - previous.Position;
-    if (s.cInput_MouseDelta != cVec2(0, 0)) { // ahead of the buttons: a press is where the mouse has come to
-        cInput::Event* move = NewEvent(cInput::MouseMoveEvent, -1, now.Position);
-        move->Delta = s.cInput_MouseDelta;
-        cInput::AddEvent(move);
-    }
-    for (int code = cInput::LeftButton; code <= cInput::XButton2; code++) {
-        const int i = code - cInput::LeftButton;
-        if (cInput::IsMouseButtonCode(code) && now.IsDown[i] != previous.IsDown[i]) {
-            AddButton(code, now.IsDown[i]);
-        }
-    }
-    if (now.Wheel != 0) { // a notch is pressed and never released
-        AddButton(now.Wheel > 0 ? cInput::WheelUp : cInput::WheelDown, true);
     }
 }
 
@@ -253,11 +216,51 @@ void cInput::Init() {
 // ---- Events
 
 void cInput::Acquire() {
+    static cImmortal<KeyboardState> s_Keys;
     State& s = Get();
     UpdateVibrations();
-    AcquireMouse(s);
-    AcquireKeys(s);
-    AcquireGamepad(s);
+    KeyboardState& keys = s_Keys.Value; // of the frame before
+    const MouseState mouse = s.cInput_MouseState;
+    const GamepadState gamepad = s.cInput_GamepadState;
+
+    AcquireKeyboard(&s.cInput_KeyboardState);
+    s.cInput_Chars.Clear();
+    if (s.Samplers.Chars) {
+        s.Samplers.Chars(&s.cInput_Chars);
+    }
+    s.cInput_MouseState = MouseState();
+    s.cInput_MouseState.Position = mouse.Position; // stays where it was without a mouse
+    if (s.Samplers.Mouse) {
+        s.Samplers.Mouse(&s.cInput_MouseState);
+    }
+    s.cInput_GamepadState = GamepadState();
+    if (s.Samplers.Gamepad) {
+        s.Samplers.Gamepad(&s.cInput_GamepadState);
+    }
+    const MouseState& now = s.cInput_MouseState;
+    s.cInput_MousePos = s.cInput_MousePosAcquire = now.Position;
+    UpdateMousePosOrient();
+    s.cInput_WheelDelta = now.Wheel;
+    s.cInput_DoubleClick = now.DoubleClick;
+
+    AddChanges(s.cInput_KeyboardState.IsDown.Data(), keys.IsDown.Data(), KeyCount, 0);
+    AddChanges(now.IsDown, mouse.IsDown, WheelUp - LeftButton, LeftButton);
+    if (now.Wheel != 0) { // a notch is pressed and never released
+        AddButton(now.Wheel > 0 ? WheelUp : WheelDown, true);
+    }
+    constexpr int firstX = XButton1 - LeftButton;
+    AddChanges(now.IsDown + firstX, mouse.IsDown + firstX, 2, XButton1);
+    AddChanges(s.cInput_GamepadState.IsDown, gamepad.IsDown, GamepadCount, DpadUp);
+    AddChars(s, keys.IsDown);
+    AddRepeats(s, gamepad);
+    keys.IsDown = s.cInput_KeyboardState.IsDown;
+
+    s.cInput_MouseDelta = now.Position - mouse.Position;
+    if (s.cInput_MouseDelta != cVec2(0, 0)) {
+        Event* move = NewEvent(MouseMoveEvent, -1, now.Position);
+        move->Delta = s.cInput_MouseDelta;
+        AddEvent(move);
+    }
 }
 
 const cList<cInput::Event*>& cInput::GetEvents() {
@@ -304,7 +307,7 @@ void cInput::SimulateMouseEventWithMultitouchEvent(const Event& e) {
     static int s_Followed = -1;
     constexpr float Still = 0.001f;
     if (s_Followed == -1) {
-        if (e.Down) {
+        if (e.Down && e.Id >= 0) {
             s_Followed = e.Id;
             Event* press = NewEvent(ButtonEvent, LeftButton, e.Position);
             press->Down = true;
@@ -456,6 +459,7 @@ void cInput::AcquireKeyboard(KeyboardState* out) {
     std::fill(out->IsDown.begin(), out->IsDown.end(), false);
     if (Get().Samplers.Keyboard) {
         Get().Samplers.Keyboard(out);
+        out->IsDown.SetCount(KeyCount);
     }
 }
 

@@ -38,6 +38,9 @@ public:
     bool IsDead() override { return Dead; }
     bool IsHot(bool covered) override {
         HotCalls += covered ? "c" : "-";
+        if (ActInHot) {
+            ActInHot();
+        }
         return Hot;
     }
     bool OnSetCursor(cInput::Cursor::Enum* cursor) override {
@@ -55,7 +58,7 @@ public:
     std::string HotCalls;
     cStr Tip;
     const cTheme* TipTheme = nullptr;
-    std::function<void()> Act; ///< In any event or drawing.
+    std::function<void()> Act, ActInHot; ///< In any event or drawing; when asked whether it is hot.
     static inline int s_Alive = 0;
 
 private:
@@ -262,6 +265,20 @@ TEST_F(Widgets, WhatIsFreedInACallWaits) {
     EXPECT_EQ(Press(), "c:down93 ");
     EXPECT_EQ(Probe::s_Alive, 0);
     EXPECT_FALSE(cWidgets::IsCaptured());
+}
+
+TEST_F(Widgets, NobodyIsCalledTwiceWhenTheOrderChanges) {
+    Add('a', 3);
+    Probe* b = Add('b', 3);
+    Probe* c = Add('c', 3);
+    c->Act = [&] { cWidgets::FreeWidget(Ids['a'], false); };
+    EXPECT_EQ(Press(), "c:down93 b:down93 ");
+    c->Act = nullptr;
+    c->Hot = true;
+    c->HotCalls = b->HotCalls = "";
+    c->ActInHot = [&] { cWidgets::BringToFront(b); };
+    Frame();
+    EXPECT_EQ(c->HotCalls + b->HotCalls, "-c");
 }
 
 TEST_F(Widgets, TheDeadGoAheadOfTheEvents) {

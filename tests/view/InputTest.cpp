@@ -1,11 +1,9 @@
 #include "editor/cSettings.h"
 #include "foundation/cMain.h"
 #include "foundation/cTimer.h"
-#include "render/cRender.h"
 #include "tests/foundation/FakeClock.h"
 #include "ui/cTheme.h"
 #include "view/cInput.h"
-#include "view/cViewer.h"
 
 #include <gtest/gtest.h>
 
@@ -133,7 +131,7 @@ TEST_F(Input, ChangesBecomeEvents) {
     s_Hands.Chars.Add({'a', cInput::A});
     s_Hands.Mouse.Position = {30, 40};
     s_Hands.Mouse.IsDown[0] = true;
-    EXPECT_EQ(Frame(), "m30,40 +LeftButton +A c97:A ");
+    EXPECT_EQ(Frame(), "+A +LeftButton c97:A m30,40 ");
     EXPECT_TRUE(cInput::IsDown(cInput::A));
     EXPECT_TRUE(cInput::IsDown(cInput::LeftButton));
     EXPECT_EQ(cInput::GetMousePosition(), cVec2(30, 40));
@@ -144,7 +142,7 @@ TEST_F(Input, ChangesBecomeEvents) {
     s_Hands.Mouse.IsDown[0] = false;
     s_Hands.Mouse.Wheel = -2;
     s_Hands.Mouse.DoubleClick = true;
-    EXPECT_EQ(Frame(), "-LeftButton +WheelDown +Tab -A c-1:Tab ") << "a key that prints nothing";
+    EXPECT_EQ(Frame(), "+Tab -A -LeftButton +WheelDown c-1:Tab ") << "a key that prints nothing";
     EXPECT_EQ(cInput::GetWheelDelta(), -2);
     EXPECT_TRUE(cInput::IsDoubleClick());
     EXPECT_FALSE(cInput::IsDown(cInput::WheelDown));
@@ -170,11 +168,33 @@ TEST_F(Input, HeldKeysRepeat) {
     EXPECT_EQ(Frame(), "-Left ");
     EXPECT_EQ(Frame(1), "") << "and no other afterwards";
 
+    s_Hands.Keys.IsDown[cInput::C] = true;
+    s_Hands.Chars.Add({'c', cInput::C});
+    Frame();
+    s_Hands.Chars.Add({'d', cInput::D}); // let go before it is sampled
+    EXPECT_EQ(Frame(), "c100:D ");
+    EXPECT_EQ(Frame(cTheme::CharRepeatDelaySec), "~c99:C ") << "the held key goes on";
+    cTimer::Reset(); // the clock is at 0 again
+    cTimer::Acquire();
+    Frame();
+    EXPECT_EQ(Frame(cTheme::CharRepeatDelaySec + 0.01f), "~c99:C ");
+    s_Hands.Keys.IsDown[cInput::C] = false;
+    Frame();
+
     s_Hands.Pad.IsDown[0] = true;
     EXPECT_EQ(Frame(), "+DpadUp ");
     EXPECT_EQ(Frame(cTheme::GamepadRepeatDelaySec - 0.01f), "");
     EXPECT_EQ(Frame(0.02f), "~+DpadUp ");
     EXPECT_EQ(Frame(cTheme::GamepadRepeatRateSec), "~+DpadUp ");
+}
+
+TEST_F(Input, DevicesThatGoLetGo) {
+    s_Hands.Mouse.IsDown[0] = true;
+    s_Hands.Mouse.Position = {3, 4};
+    Frame();
+    cInput::SetSamplers({});
+    EXPECT_EQ(Frame(), "-LeftButton ");
+    EXPECT_EQ(cInput::GetMousePosition(), cVec2(3, 4));
 }
 
 TEST_F(Input, FedEvents) {
@@ -242,8 +262,6 @@ TEST_F(Input, FingersAreKept) {
 }
 
 TEST_F(Input, TurnedDevices) {
-    cViewer viewer;
-    viewer.Viewport = cRect(0, 0, 100, 50);
     constexpr struct {
         bool OnTheRight, OnTheLeft;
         cVec2 P, D; ///< Where (10, 20) and a step of (1, 2) come out.
