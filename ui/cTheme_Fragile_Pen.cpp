@@ -215,7 +215,8 @@ void cTheme_Fragile_Pen::PlateRim(const cRect& rect, float corner, const cColor&
 }
 
 void cTheme_Fragile_Pen::PlateGlow(const cRect& rect, float corner, float reach, const cColor& color) const {
-    Rounded(rect, corner, corner - 1, corner + reach, 0.6f, color, Colors::WithAlpha(color, 0));
+    const float radius = Core(rect, corner).Radius;
+    Rounded(rect, radius, radius - 1, radius + reach, 0.6f, color, Colors::WithAlpha(color, 0));
 }
 
 void cTheme_Fragile_Pen::Fill(const cRect& rect, const cColor& color) const {
