@@ -25,11 +25,10 @@ constexpr SizingInfo s_Sizing[] = {
     {true, true, false, false, cInput::Cursor::OtherDiagonal}, {true, false, false, true, cInput::Cursor::Diagonal},
     {false, true, true, false, cInput::Cursor::Diagonal},
 };
-static_assert(std::size(s_Sizing) == cWnd::SizeRightTop - cWnd::SizeLeft + 1);
-static_assert(int(cWnd::SizeLeft) == int(cTheme::Parts::SizeLeft));
+static_assert(std::size(s_Sizing) == cTheme::Parts::SizeRightTop - cTheme::Parts::SizeLeft + 1);
 
 constexpr bool IsSizing(int part) {
-    return part >= cWnd::SizeLeft && part <= cWnd::SizeRightTop;
+    return part >= cTheme::Parts::SizeLeft && part <= cTheme::Parts::SizeRightTop;
 }
 
 } // namespace
@@ -301,7 +300,7 @@ bool cWnd::IsScrollBarDrag() const {
 }
 
 bool cWnd::IsWndPartDrag() const {
-    return IsSizingBorderDrag() || IsScrollBarDrag() || m_DragPart == PanPart;
+    return IsSizingBorderDrag() || IsScrollBarDrag() || m_DragPart == cTheme::Parts::FormClient;
 }
 
 /// Captures. Another widget may hold the capture and have let the press through: then nothing is held, as the release
@@ -336,7 +335,7 @@ bool cWnd::OnButtonDown(int code) {
         if ((m_VScroll || m_HScroll) && IsInside(m_Client, mouse)) {
             m_Grab = mouse;
             m_SavedRelClient = m_RelClient;
-            Hold(PanPart);
+            Hold(cTheme::Parts::FormClient);
         }
         return true;
     }
@@ -354,7 +353,7 @@ bool cWnd::OnButtonDown(int code) {
         }
         m_RepeatTimeSec = cTimer::GetSystemTimeSec() + m_Theme->ScrollRepeatDelaySec;
     } else if (IsSizing(part)) {
-        const SizingInfo& moves = s_Sizing[part - SizeLeft];
+        const SizingInfo& moves = s_Sizing[part - cTheme::Parts::SizeLeft];
         // A side that is alone goes with the corner at its end: left and top, or right and bottom.
         const bool left = moves.Left || (moves.Top && !moves.Right), top = moves.Top || (moves.Left && !moves.Bottom);
         m_Grab = cVec2(left ? m_Bounds.x0 : m_Bounds.x1, top ? m_Bounds.y1 : m_Bounds.y0) - mouse;
@@ -371,7 +370,7 @@ bool cWnd::OnMouseMove() {
         return false;
     }
     const cVec2 mouse = cInput::GetMousePositionOrient();
-    if (m_DragPart == PanPart) {
+    if (m_DragPart == cTheme::Parts::FormClient) {
         m_RelClient = m_SavedRelClient;
         m_RelClient.Translate(mouse - m_Grab);
         return true;
@@ -390,7 +389,7 @@ bool cWnd::OnMouseMove() {
 }
 
 void cWnd::DragBorder(const cVec2& mouse) {
-    const SizingInfo& moves = s_Sizing[m_DragPart - SizeLeft];
+    const SizingInfo& moves = s_Sizing[m_DragPart - cTheme::Parts::SizeLeft];
     const cVec2 to = mouse + m_Grab;
     if (moves.Left) {
         m_Bounds.x0 = to.x;
@@ -411,7 +410,7 @@ bool cWnd::OnButtonUp(int code) {
     if (!cWidgets::IsCaptured(this)) {
         return false;
     }
-    if (code == (m_DragPart == PanPart ? cInput::MiddleButton : cInput::LeftButton)) {
+    if (code == (m_DragPart == cTheme::Parts::FormClient ? cInput::MiddleButton : cInput::LeftButton)) {
         m_DragPart = 0;
         cWidgets::ReleaseCapture();
     }
@@ -433,7 +432,7 @@ bool cWnd::IsHot(bool covered) {
 }
 
 bool cWnd::OnSetCursor(cInput::Cursor::Enum* cursor) {
-    if (m_DragPart == PanPart) {
+    if (m_DragPart == cTheme::Parts::FormClient) {
         *cursor = cInput::Cursor::Hand;
         return true;
     }
@@ -441,7 +440,7 @@ bool cWnd::OnSetCursor(cInput::Cursor::Enum* cursor) {
     if (!IsSizing(part)) {
         return false;
     }
-    *cursor = s_Sizing[part - SizeLeft].Cursor;
+    *cursor = s_Sizing[part - cTheme::Parts::SizeLeft].Cursor;
     return true;
 }
 

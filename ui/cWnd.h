@@ -49,19 +49,6 @@ public:
         LabelType
     };
 
-    /// The `cTheme::Parts` that size a window, by the edges that they move, and the one that stands for a pan.
-    enum HeldPart : int {
-        PanPart = 16,
-        SizeLeft = 24,
-        SizeTop,
-        SizeRight,
-        SizeBottom,
-        SizeRightBottom,
-        SizeLeftTop,
-        SizeLeftBottom,
-        SizeRightTop
-    };
-
     /// @param parent  may be null; the window becomes its child with `AddChild` or `SetToolBar`
     /// @param theme   of a root, not owned; a child takes that of its root. No window works without one
     explicit cWnd(cWnd* parent, const cTheme* theme = nullptr);

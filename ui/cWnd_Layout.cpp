@@ -236,14 +236,14 @@ int cWnd::GetMouseOver() {
         {m_HBarShown, m_HPage[1], nullptr, Parts::HScrollPageRight},
         {m_HBarShown, m_HArrows[0], nullptr, Parts::HScrollArrowLeft},
         {m_HBarShown, m_HArrows[1], nullptr, Parts::HScrollArrowRight},
-        {m_Sizable, m_Edges[2], nullptr, SizeRight},
-        {m_Sizable, m_Edges[0], nullptr, SizeLeft},
-        {m_Sizable, m_Edges[1], nullptr, SizeTop},
-        {m_Sizable, m_Edges[3], nullptr, SizeBottom},
-        {m_Sizable, m_Corners[0], &m_CornerHoles[0], SizeLeftTop},
-        {m_Sizable, m_Corners[2], &m_CornerHoles[2], SizeRightBottom},
-        {m_Sizable, m_Corners[3], &m_CornerHoles[3], SizeLeftBottom},
-        {m_Sizable, m_Corners[1], &m_CornerHoles[1], SizeRightTop},
+        {m_Sizable, m_Edges[2], nullptr, cTheme::Parts::SizeRight},
+        {m_Sizable, m_Edges[0], nullptr, cTheme::Parts::SizeLeft},
+        {m_Sizable, m_Edges[1], nullptr, cTheme::Parts::SizeTop},
+        {m_Sizable, m_Edges[3], nullptr, cTheme::Parts::SizeBottom},
+        {m_Sizable, m_Corners[0], &m_CornerHoles[0], cTheme::Parts::SizeLeftTop},
+        {m_Sizable, m_Corners[2], &m_CornerHoles[2], cTheme::Parts::SizeRightBottom},
+        {m_Sizable, m_Corners[3], &m_CornerHoles[3], cTheme::Parts::SizeLeftBottom},
+        {m_Sizable, m_Corners[1], &m_CornerHoles[1], cTheme::Parts::SizeRightTop},
     };
     for (const Row& row : rows) {
         if (row.Live && IsInside(row.Rect, mouse) && !(row.Hole && IsInside(*row.Hole, mouse))) {
