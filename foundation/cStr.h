@@ -202,6 +202,12 @@ public:
     /// @return false for ill-formed UTF-8; `out` then ends before it
     bool DecodeUTF8(cList<unsigned short>* out) const;
 
+    /// Bytes of a UTF-8 sequence by its first one, 1 to 4; 1 for what begins none.
+    static constexpr int UTF8LengthOf(char first) {
+        const auto byte = static_cast<unsigned char>(first);
+        return byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+    }
+
     /// Bytes of the sequence at `start`; an ill-formed one counts to the end of the text.
     int CalcUTF8Length(int start) const;
 

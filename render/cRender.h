@@ -199,6 +199,10 @@ public:
     static void DrawLine(const cVec2& a, const cVec2& b, const cColor& color);
     static void DrawLine(const cVec3& a, const cVec3& b, const cColor& color); ///< In the world.
 
+    static void DrawLines(const cVertex::PositionColored* vertices, int count); ///< A line list, in points.
+    /// Whether lines lose their last pixel on this device, so that they must end one further.
+    static bool LinesLackTheirEnd();
+
     /// The outline just inside the right and top edges, so that it covers the rectangle's outermost pixels.
     static void DrawRectangle(const cRect& rect, const cColor& color);
     static void DrawRectangle(int x0, int y0, int x1, int y1, const cColor& color);

@@ -34,19 +34,8 @@ int ColoredShader() { // for shapes in the world
     return s_ID;
 }
 
-void DrawLines(int shader, const Vertex* vertices, int count) {
-    cRender_SetShapeState(shader);
-    cRender::DrawArrays(cTopology::LineList, vertices, count);
-}
-
 cRect RectOf(int x0, int y0, int x1, int y1) {
     return {float(x0), float(y0), float(x1), float(y1)};
-}
-
-/// Whether lines lose their last pixel on this device, so that they must end one further.
-bool LinesLackTheirEnd() {
-    static const bool s_IsRadeon = cRender::GetVendor().IndexOf("RADEON") != -1;
-    return cRender::GetType() == 1 || s_IsRadeon;
 }
 
 /// The pixels of an outline whose coordinates add up to an even number. What is beyond any screen is cut off.
@@ -115,6 +104,16 @@ void cRender_SetShapeState(int shader) {
 
 // ---- Lines
 
+bool cRender::LinesLackTheirEnd() {
+    static const bool s_IsRadeon = GetVendor().IndexOf("RADEON") != -1;
+    return GetType() == 1 || s_IsRadeon;
+}
+
+void cRender::DrawLines(const Vertex* vertices, int count) {
+    cRender_SetShapeState(LinesPointsShader());
+    DrawArrays(cTopology::LineList, vertices, count);
+}
+
 void cRender::DrawLine(int x0, int y0, int x1, int y1, const cColor& color) {
     DrawLine(float(x0), float(y0), float(x1), float(y1), color);
 }
@@ -122,7 +121,7 @@ void cRender::DrawLine(int x0, int y0, int x1, int y1, const cColor& color) {
 void cRender::DrawLine(float x0, float y0, float x1, float y1, const cColor& color) {
     const unsigned int packed = color.ToDword();
     const Vertex vertices[2] = {{cVec3(x0, y0, 0), packed}, {cVec3(x1, y1, 0), packed}};
-    DrawLines(LinesPointsShader(), vertices, 2);
+    DrawLines(vertices, 2);
 }
 
 void cRender::DrawLine(const cVec2& a, const cVec2& b, const cColor& color) {
@@ -132,7 +131,8 @@ void cRender::DrawLine(const cVec2& a, const cVec2& b, const cColor& color) {
 void cRender::DrawLine(const cVec3& a, const cVec3& b, const cColor& color) {
     const unsigned int packed = color.ToDword();
     const Vertex vertices[2] = {{a, packed}, {b, packed}};
-    DrawLines(ColoredShader(), vertices, 2);
+    cRender_SetShapeState(ColoredShader());
+    DrawArrays(cTopology::LineList, vertices, 2);
 }
 
 void cRender::DrawRectangle(int x0, int y0, int x1, int y1, const cColor& color) {
@@ -161,7 +161,7 @@ void cRender::DrawRectangle(const cRect& rect, const cColor& color) {
     };
     const bool isFlat = top - rect.y0 < 1, isThin = right - rect.x0 < 1;
     const int lines = isThin ? 1 : right - 1 < from ? 2 : isFlat ? 3 : 4;
-    DrawLines(LinesPointsShader(), vertices, lines * 2);
+    DrawLines(vertices, lines * 2);
 }
 
 void cRender::DrawRectangleDot(const cRect& rect, const cColor& color) {

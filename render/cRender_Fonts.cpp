@@ -139,11 +139,6 @@ bool Project(const cVec3& p, cVec2* out) {
     return true;
 }
 
-/// Bytes of a UTF-8 sequence by its first one.
-int SequenceLength(unsigned char first) {
-    return first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-}
-
 } // namespace
 
 int cRender::GetFontID(const char* name) {
@@ -256,7 +251,7 @@ void cRender::EnsurePrintable(int fontID, cStr* text) {
     kept.ReserveMore(text->Length());
     cStr& character = s_TextStore.Value;
     for (int i = 0; i < text->Length();) {
-        const int length = std::min(SequenceLength(static_cast<unsigned char>((*text)[i])), text->Length() - i);
+        const int length = std::min(cStr::UTF8LengthOf((*text)[i]), text->Length() - i);
         character.Copy(text->Text() + i, 0, length);
         if (!character.DecodeUTF8(&s_Codes)) {
             i++; // one bad byte takes nothing with it

@@ -22,11 +22,9 @@ const char* Prefix(const char* text, int bytes, const char* tail = "") {
     return scratch.Data();
 }
 
-/// Bytes of the UTF-8 sequence that a text begins with, by its first one; the text's end cuts it.
+/// Bytes of the UTF-8 sequence that a text begins with; the text's end cuts it.
 int SequenceLength(const char* text) {
-    const auto first = static_cast<unsigned char>(*text);
-    const int length = first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    return int(strnlen(text, size_t(length)));
+    return int(strnlen(text, size_t(cStr::UTF8LengthOf(*text))));
 }
 
 } // namespace

@@ -15,24 +15,6 @@ namespace {
 
 using Vertex = cVertex::PositionColored;
 
-/// What lines lack at their end on this device, as for `cRender::DrawRectangle`.
-float EndOfLine() {
-    static const bool s_IsRadeon = cRender::GetVendor().IndexOf("RADEON") != -1;
-    return cRender::GetType() == 1 || s_IsRadeon ? 1.0f : 0.0f;
-}
-
-/// One draw call of lines on whole pixels.
-void DrawLines(const Vertex* vertices, int count) {
-    static const int s_Shader = cRender::GetShaderID("LinesPointsUI", Vertex::FormatID);
-    static const int s_Blend =
-        cRender::GetBlendStateID(cBlendFactor::SrcAlpha, cBlendFactor::OneMinusSrcAlpha, cBlendMode::Add, 15);
-    cRender::SetBlendState(s_Blend);
-    cRender::SetDepthState(-1);
-    cRender::SetCullMode(cCullMode::None);
-    cRender::SetShader(s_Shader);
-    cRender::DrawArrays(cTopology::LineList, vertices, count);
-}
-
 struct Bevel {
     int Lines;
     cColor OuterLeftTop, OuterRightBottom, InnerLeftTop, InnerRightBottom, Ground, GreyGround;
@@ -150,7 +132,7 @@ void cTheme_WindowsStandard::DrawRectangleWindowsStandard(const cRect& rect, con
         return;
     }
     const unsigned int a = leftTop.ToDword(), b = rightBottom.ToDword();
-    const float right = rect.x1 - 1, top = rect.y1 - 1, end = EndOfLine();
+    const float right = rect.x1 - 1, top = rect.y1 - 1, end = (cRender::LinesLackTheirEnd() ? 1.0f : 0.0f);
     const Vertex vertices[8] = {
         {cVec3(rect.x0, rect.y0 + 1, 0), a}, {cVec3(rect.x0, top + end, 0), a},   // left
         {cVec3(rect.x0 + 1, top, 0), a},     {cVec3(right - 1 + end, top, 0), a}, // top
@@ -160,10 +142,10 @@ void cTheme_WindowsStandard::DrawRectangleWindowsStandard(const cRect& rect, con
     // A side of two pixels leaves no top line between its corners.
     const bool hasTop = right - rect.x0 > 1;
     if (hasTop) {
-        DrawLines(vertices, 8);
+        cRender::DrawLines(vertices, 8);
     } else {
-        DrawLines(vertices, 2);
-        DrawLines(vertices + 4, 4);
+        cRender::DrawLines(vertices, 2);
+        cRender::DrawLines(vertices + 4, 4);
     }
 }
 
@@ -195,13 +177,13 @@ void cTheme_WindowsStandard::DrawDecalWindowsStandard(const cVec2& center, Windo
     const DecalLines& lines = LinesOf(decal);
     Vertex vertices[2 * DecalLines::MaxLines];
     const unsigned int packed = color.ToDword();
-    const float x = std::floor(center.x), y = std::floor(center.y), end = EndOfLine();
+    const float x = std::floor(center.x), y = std::floor(center.y), end = (cRender::LinesLackTheirEnd() ? 1.0f : 0.0f);
     for (int i = 0; i < lines.Count; i++) {
         const DecalLines::Line& line = lines.Lines[i];
         vertices[2 * i] = {cVec3(x + line.X0, y + line.Y0, 0), packed};
         vertices[2 * i + 1] = {cVec3(x + line.X1 + (line.Y0 == line.Y1 ? end : 0), y + line.Y1, 0), packed};
     }
-    DrawLines(vertices, 2 * lines.Count);
+    cRender::DrawLines(vertices, 2 * lines.Count);
 }
 
 } // namespace trellis

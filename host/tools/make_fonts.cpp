@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -184,8 +185,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: make_fonts FOLDER\n");
         return 2;
     }
-    const cStr absolute = cIO::EnsureAbsolutePath(argv[1][0] == '/' ? cStr(argv[1]) : cStr::Format("./%s", argv[1]));
-    const std::string folder = argv[1][0] == '/' ? argv[1] : absolute.Text();
+    const std::string folder = std::filesystem::absolute(argv[1]).string(); // not beside the program
     cIO::CreatePath((folder + "/Fonts").c_str());
     cIO::CreatePath((folder + "/Textures/WindowsStandard").c_str());
 
