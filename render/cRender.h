@@ -14,8 +14,10 @@
 
 namespace trellis {
 
+class cBounds;
 class cFont;
 class cFrustum;
+class cQuat;
 class cViewer;
 
 inline constinit cRender_Stub* cRender_Instance = nullptr; ///< The front end's own; others ask `GetInstance`.
@@ -293,6 +295,61 @@ public:
     static void DrawCaveCaveCorner(const cRect& rect, float radius, float gradRadius, const cColor& center,
                                    const cColor& bound);
     static void DrawNoPreview(const cRect& rect, const cColor& color); ///< A cross: there is no picture.
+
+    // ---- Shapes in the world, for editing and for a look at what goes on, under the world matrix. Depth test,
+    // blending and culling are the caller's; the colour is the vertices'. A `...CurShader` leaves the shader to the
+    // caller too, and draws `PositionColored`, where nothing else is said. Counts of segments are taken into [3, 256].
+    static void DrawCrossHair(const cVec3& at, float size, const cColor& color); ///< Three lines of that length.
+    static void DrawCubeWire(const cVec3& center, float size, const cColor& color);
+    static void DrawCubeSolid(const cVec3& center, float size, const cColor& color);
+    static void DrawCubeSolid(const cVec3& center, float size, const cColor& color, const cQuat& orient);
+    static void DrawCubesCurShader(const cVec3* centers, const float* sizes, int count); ///< `PositionOnly`, one draw.
+    static void DrawBounds(const cBounds& bounds, const cColor& color);                  ///< Nothing for an empty box.
+    /// In points of the interface. @param from, to  degrees from the X axis, counterclockwise
+    static void DrawCircle(const cVec2& center, float radius, float from, float to, const cColor& color, int segments);
+    /// @param normal  of any length; null: the Y axis, a circle on the ground
+    static void DrawCircle(const cVec3& center, float radius, const cColor& color, const cVec3* normal = nullptr);
+    static void DrawFacingCircle(const cVec3& center, float radius, const cVec3& toEye, const cColor& color,
+                                 int segments = 64);
+    /// @param latitudes, longitudes  circles around the axis, and half circles from pole to pole
+    /// @param axis                   from the middle to a pole, of any length
+    static void DrawSphereWire(const cVec3& center, float radius, const cColor& color, int latitudes, int longitudes,
+                               const cVec3& axis);
+    static void DrawSphereWire(const cVec3& center, float radius, const cColor& color);
+    /// A truncated cone with its two end faces. @param apexRadius, baseRadius  0: a point
+    static void DrawConeSolid(const cVec3& apex, const cVec3& base, float apexRadius, float baseRadius,
+                              const cColor& color, int segments);
+    /// Its end circles and sides. @param sides  lines along it
+    static void DrawConeWire(const cVec3& apex, const cVec3& base, float apexRadius, float baseRadius,
+                             const cColor& color, int segments, int sides = 8);
+    /// A pie slice, the short way from one direction to the other. Of opposite directions it has no plane: nothing.
+    ///
+    /// @param from, to  of any length
+    static void DrawSector(const cVec3& center, float radius, const cVec3& from, const cVec3& to, const cColor& color,
+                           int segments = 32);
+    static void DrawFrustumWire(const cFrustum& frustum, const cColor& color);
+    static void DrawFrustumWireCurShader(const cFrustum& frustum, const cColor& color = cColor::White);
+    static void DrawFrustumSolidCurShader(const cFrustum& frustum, const cColor& color = cColor::White);
+    static void DrawBillboardQuadsSolid(const cVec3* centers, int count, float size, const cColor& color);
+    static void DrawCamera(const cColor& color); ///< Looking along -Z from the origin, one unit long.
+
+    struct GridArgs {
+        float Size;   ///< Half the extent.
+        float Height; ///< Of the vertical axis.
+        float CellSize;
+        int SubDivisions; ///< Of a cell.
+        bool ShowAxes;
+        bool ShowLines;
+        bool ShowSubLines;
+        bool ShowPlanes; ///< Kept for those who draw them.
+        cMat4 Transform;
+
+        GridArgs() { SetDefaults(); }
+        void SetDefaults();
+        void Validate(); ///< What makes no grid becomes the default; no subdivisions become one.
+    };
+    /// Lines on the ground, y = 0, the important ones in front. At most 20,000 lines in each direction.
+    static void DrawGrid(const GridArgs& args);
 
     // ---- Text
     enum DrawStringFlags : int {

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace trellis {
 
@@ -53,6 +54,7 @@ struct State {
     cList<cStr> cInput_Strs;
     cList<float> cInput_DownTimeSec; // by code
     cList<cInput::Event*> cInput_Events;
+    int EventsTaken = 0; // off its head; they go when the list is looked at, so that draining it is no quadratic work
 
     cInput::KeyboardState cInput_KeyboardState;
     cInput::MouseState cInput_MouseState;
@@ -66,6 +68,7 @@ struct State {
     float cInput_CharsStartRepeatTimeSec = 0;
     float cInput_GamepadStartRepeatTimeSec[cInput::GamepadCount] = {};
 
+    cList<void*> SpareEvents;
     cList<cInput_Touch_t> cInput_Touches;
     cList<cInput_VIBRATION> cInput_Vibrations;
     float cInput_LeftMotorSpeed = 0, cInput_RightMotorSpeed = 0;
@@ -165,10 +168,14 @@ void AddRepeats(State& s, const cInput::GamepadState& before) {
     for (int i = 0; i < cInput::GamepadCount; i++) {
         const bool down = s.cInput_GamepadState.IsDown[i];
         float* next = &s.cInput_GamepadStartRepeatTimeSec[i];
+        if (down && !before.IsDown[i]) {
+            AddChar({-1, cInput::DpadUp + i}); // like a key that prints nothing
+        }
         if (down != before.IsDown[i]) {
             *next = cTimer::GetSystemTimeSec() + cTheme::GamepadRepeatDelaySec;
         } else if (down && IsDue(next, cTheme::GamepadRepeatDelaySec, cTheme::GamepadRepeatRateSec)) {
             AddButton(cInput::DpadUp + i, true, true);
+            AddChar({-1, cInput::DpadUp + i}, true);
         }
     }
 }
@@ -264,21 +271,46 @@ void cInput::Acquire() {
 }
 
 const cList<cInput::Event*>& cInput::GetEvents() {
-    return Get().cInput_Events;
+    State& s = Get();
+    s.cInput_Events.RemoveAt(0, std::exchange(s.EventsTaken, 0));
+    return s.cInput_Events;
 }
 
 cInput::Event* cInput::GetEvent() {
-    cList<Event*>& events = Get().cInput_Events;
-    if (events.IsEmpty()) {
+    State& s = Get();
+    if (s.EventsTaken == s.cInput_Events.Count()) {
         return nullptr;
     }
-    Event* first = events[0];
-    events.RemoveAt(0);
+    Event* first = s.cInput_Events[s.EventsTaken++];
+    if (s.EventsTaken == s.cInput_Events.Count()) {
+        s.cInput_Events.Clear();
+        s.EventsTaken = 0;
+    }
     return first;
 }
 
+void* cInput::Event::operator new(std::size_t bytes) {
+    cList<void*>& spare = Get().SpareEvents;
+    if (spare.IsEmpty()) {
+        return ::operator new(bytes);
+    }
+    void* event = spare[spare.Count() - 1];
+    spare.SetCount(spare.Count() - 1);
+    return event;
+}
+
+void cInput::Event::operator delete(void* event) {
+    constexpr int Most = 64;
+    cList<void*>& spare = Get().SpareEvents;
+    if (event && spare.Count() < Most) {
+        spare.Add(event);
+    } else {
+        ::operator delete(event);
+    }
+}
+
 void cInput::FreeEvents() {
-    for (Event* event : Get().cInput_Events) {
+    for (Event* event : GetEvents()) {
         delete event;
     }
     Get().cInput_Events.Clear();
@@ -289,7 +321,11 @@ void cInput::AddEvent(Event* event, bool atFront) {
     if (!event || (event->Type == ButtonEvent && !IsCode(event->Code))) {
         return;
     }
-    s.cInput_Events.Insert(atFront ? 0 : s.cInput_Events.Count(), event);
+    if (atFront && s.EventsTaken > 0) {
+        s.cInput_Events[--s.EventsTaken] = event;
+    } else {
+        s.cInput_Events.Insert(atFront ? 0 : s.cInput_Events.Count(), event);
+    }
     if (event->Type == ButtonEvent && event->Down) {
         s.cInput_DownTimeSec[event->Code] = cTimer::GetTimeSec();
     } else if (event->Type == TouchEvent) {

@@ -9,6 +9,8 @@
 #include "foundation/cStr.h"
 #include "math/cVec2.h"
 
+#include <cstddef>
+
 namespace trellis {
 
 class cGestureType {
@@ -55,12 +57,16 @@ public:
         bool Repeat = false; ///< Made because a key stays down.
         cVec2 Position{0, 0};
         cVec2 Delta{0, 0};
-        int Char = -1; ///< UTF-32, or -1 for a key that prints nothing.
+        int Char = -1; ///< UTF-32, or -1 for a key or gamepad button that prints nothing.
         int Id = -1;   ///< Of the finger.
         float Pressure = 1;
         int Stage = 0; ///< A `GestureStage`.
         cGestureType::Enum Gesture = cGestureType::None;
         float Values[2] = {0, 0}; ///< Of a gesture: scale and angle.
+
+        // The mouse moves every frame: freed events are kept for the next.
+        static void* operator new(std::size_t bytes);
+        static void operator delete(void* event);
     };
 
     struct KeyboardState {

@@ -1,5 +1,8 @@
 #include "view/cPosition.h"
 
+#include "ui/cWidgets.h"
+#include "view/cMoveTool.h"
+
 namespace trellis {
 
 void cPosition::RegisterMembers() {
@@ -11,6 +14,37 @@ void cPosition::RegisterMembers() {
     members.AddButton(&cPosition::Move, "&cPosition::Move");
 }
 
-void cPosition::Move() {}
+bool cPosition::HasTools() const {
+    return m_MoveTool && cWidgets::GetWidgetID(m_MoveTool) != -1;
+}
+
+void cPosition::Move() {
+    if (HasTools()) {
+        FreeTools();
+        return;
+    }
+    if (g_ManipulatorsType == cManipulator::None) {
+        g_ManipulatorsType = cManipulator::MoveType;
+    }
+    CreateTools();
+}
+
+void cPosition::CreateTools() {
+    FreeTools();
+    m_MoveTool = new cMoveTool(&Position);
+    m_MoveTool->SetParent(m_Parent);
+    cWidgets::AddWidget(m_MoveTool, cManipulator::Layer);
+}
+
+void cPosition::FreeTools() {
+    cManipulator::Free(m_MoveTool);
+    m_MoveTool = nullptr;
+}
+
+void cPosition::OnProcess() {
+    if (HasTools()) {
+        m_MoveTool->SetParent(m_Parent);
+    }
+}
 
 } // namespace trellis

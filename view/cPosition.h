@@ -1,19 +1,33 @@
 // A point that is edited in the view.
 #pragma once
 
+#include "math/cMat4.h"
 #include "math/cVec3.h"
 #include "reflection/cClassMembers.h"
 
 namespace trellis {
 
-/// Files know it as "Position".
+class cMoveTool;
+
+/// Files know it as "Position". The tool belongs to the widget manager, and goes with the point.
 class cPosition : public cClass {
     TRELLIS_CLASS_NAMED(cPosition, "Position")
 
 public:
-    void Move(); ///< Nothing happens until there is a tool to move it with.
+    void CustomDtor() override { FreeTools(); }
+    void OnProcess() override; ///< Once a frame: the tool follows the parent.
+
+    void Move(); ///< Shows the tool, or takes it away.
+    void CreateTools();
+    void FreeTools();
+    void SetParentTransform(const cMat4& parent) { m_Parent = parent; }
+    bool HasTools() const; ///< The manager may have freed the tool.
 
     cVec3 Position;
+
+private:
+    cMoveTool* m_MoveTool = nullptr;
+    cMat4 m_Parent = cMat4::Identity;
 };
 
 } // namespace trellis

@@ -1,5 +1,10 @@
 #include "view/cTransform.h"
 
+#include "ui/cWidgets.h"
+#include "view/cMoveTool.h"
+#include "view/cRotateTool.h"
+#include "view/cScaleTool.h"
+
 namespace trellis {
 
 void cTransform::RegisterMembers() {
@@ -10,6 +15,47 @@ void cTransform::RegisterMembers() {
     members.Add<_cFloat3>(Scale, "Scale");
     members.Add<_cFloat3>(Rotate, "Rotate");
     members.Add<_cFloat3>(Translate, "Translate");
+}
+
+void cTransform::CreateTools() {
+    FreeTools();
+    const auto wants = [](int type) {
+        return g_ManipulatorsType == type || g_ManipulatorsType == cManipulator::Universal;
+    };
+    const auto add = [this](auto* tool) {
+        tool->SetParent(m_Parent);
+        cWidgets::AddWidget(tool, cManipulator::Layer);
+        return tool;
+    };
+    // The rear first: among all three the ring lies behind, the cubes in front.
+    if (wants(cManipulator::RotateType)) {
+        m_RotateTool = add(new cRotateTool(&Rotate, &Translate, g_ManipulatorsLocal));
+    }
+    if (wants(cManipulator::MoveType)) {
+        m_MoveTool = add(new cMoveTool(&Rotate, &Translate, g_ManipulatorsLocal));
+        m_MoveTool->HasFreeInner = g_ManipulatorsType == cManipulator::Universal;
+    }
+    if (wants(cManipulator::ScaleType)) {
+        m_ScaleTool = add(new cScaleTool(&Scale, &Rotate, &Translate));
+    }
+}
+
+void cTransform::FreeTools() {
+    cManipulator::Free(m_MoveTool);
+    cManipulator::Free(m_RotateTool);
+    cManipulator::Free(m_ScaleTool);
+    m_MoveTool = nullptr;
+    m_RotateTool = nullptr;
+    m_ScaleTool = nullptr;
+}
+
+void cTransform::OnProcess() {
+    for (cManipulator* tool : {static_cast<cManipulator*>(m_MoveTool), static_cast<cManipulator*>(m_RotateTool),
+                               static_cast<cManipulator*>(m_ScaleTool)}) {
+        if (tool && cWidgets::GetWidgetID(tool) != -1) { // the manager may have freed it
+            tool->SetParent(m_Parent);
+        }
+    }
 }
 
 } // namespace trellis

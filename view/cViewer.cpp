@@ -77,7 +77,7 @@ void cViewer::Update(bool forRender) {
     CalcPlanes();
 
     HalfSize = cVec2(width, height) * 0.5f;
-    Center = Viewport.Center();
+    ViewportCenter = Viewport.Center();
     Screen = cMat4(2 / width, 0, 0, 0, 0, 2 / height, 0, 0, 0, 0, 1, 0, -1, -1, 0, 1);
     cMat4::Invert(Screen, &ScreenInverse);
 }
@@ -153,8 +153,25 @@ void cViewer::CalcFrustum(cFrustum* out, float zNear, float zFar) const {
     out->CalcPlanes();
 }
 
+bool cViewer::WorldToClosestScreenPoint(const cVec3& p, cVec2* pixels) const {
+    const float depth = cVec3::Dot(p - ViewInverse.GetTranslation(), Forward);
+    const bool isInFront = m_IsParallel || depth >= ZNear;
+    const cVec3 seen = isInFront ? p : p + Forward * (ZNear - depth);
+    const cVec4 clip = cVec4(seen.x, seen.y, seen.z, 1) * ViewProjection;
+    const float w = clip.w != 0 ? clip.w : 1;
+    *pixels = {ViewportCenter.x + clip.x / w * HalfSize.x, ViewportCenter.y + clip.y / w * HalfSize.y};
+    return isInFront;
+}
+
 cVec2 cViewer::ScreenToClip(const cVec2& pixels) const {
-    return {(pixels.x - Center.x) / HalfSize.x, (pixels.y - Center.y) / HalfSize.y};
+    return {(pixels.x - ViewportCenter.x) / HalfSize.x, (pixels.y - ViewportCenter.y) / HalfSize.y};
+}
+
+void cViewer_CalcOrientFromForwardDir(cQuat* out, const cVec3& dir) {
+    const cVec3 forward = dir.LengthSq() > 0 ? cVec3::Normalize(dir) : dir;
+    const cVec3 side = cVec3::Cross(forward, cVec3::AxisY);
+    const cVec3 right = side.LengthSq() > 0 ? cVec3::Normalize(side) : cVec3::AxisX;
+    *out = cMat3::FromVectors(forward, right, cVec3::Cross(right, forward)).ToQuat();
 }
 
 } // namespace trellis

@@ -67,7 +67,8 @@ public:
     void SetLookAtViewProjection(const cVec3& eye, const cVec3& target, float fovY, float aspect, float zNear,
                                  float zFar);
 
-    /// A shift of the picture in the next updates, no part of the state, in pixels to the right and up by halves: 1 is half a pixel.
+    /// A shift of the picture in the next updates, no part of the state, in pixels to the right and up by halves: 1 is
+    /// half a pixel.
     void SetDXY(float x, float y) { DXY = {x, y}; }
 
     bool CullPoint(const cVec3& p) const; ///< True behind any of the six planes.
@@ -81,6 +82,12 @@ public:
     void CalcFrustum(cFrustum* out, float zFar) const;
     void CalcFrustum(cFrustum* out, float zNear, float zFar) const;
 
+    /// Where a point of the world shows, in pixels. What lies behind the near plane is first pulled to it, straight
+    /// along the view, and so comes out on its own side of the screen.
+    ///
+    /// @return whether it is in front of the near plane
+    bool WorldToClosestScreenPoint(const cVec3& p, cVec2* pixels) const;
+
     cVec2 ScreenToClip(const cVec2& pixels) const; ///< Pixels of the window, as the viewport's own, Y up.
     float GetAspect() const { return m_Aspect; }   ///< The one in use since the last update.
 
@@ -89,10 +96,10 @@ public:
     cVec2 DXY{0, 0};
     cMat4 View, ViewInverse, Projection, ViewProjection;
     cMat4 ViewProjectionInverse = cMat4::Identity;
-    cPlane Planes[6]; ///< Left, right, bottom, top, near, far; facing inward, of unit length.
-    cVec2 HalfSize;   ///< Of the viewport, pixels.
-    cVec2 Center;     ///< Of the viewport, pixels.
-    cMat4 Screen;     ///< Pixels of the viewport, from its lower left corner, to clip space.
+    cPlane Planes[6];     ///< Left, right, bottom, top, near, far; facing inward, of unit length.
+    cVec2 HalfSize;       ///< Of the viewport, pixels.
+    cVec2 ViewportCenter; ///< Pixels.
+    cMat4 Screen;         ///< Pixels of the viewport, from its lower left corner, to clip space.
     cMat4 ScreenInverse = cMat4::Identity;
 
     cList<State> States; ///< For `PushState`.
@@ -104,5 +111,9 @@ private:
     float m_Aspect = 1;
     bool m_IsParallel = false; // the lens in use
 };
+
+/// Orientation that looks along `dir`, of any length, with the Y axis upward; the X axis to the right for a direction
+/// straight up or down. A direction of no length is used as it stands.
+void cViewer_CalcOrientFromForwardDir(cQuat* out, const cVec3& dir);
 
 } // namespace trellis

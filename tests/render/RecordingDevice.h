@@ -46,6 +46,7 @@ public:
 
     int Type = 3;
     cStr Vendor = "Recorder";
+    cMat4 LastMatrix{}; ///< That a constant was set to.
     bool FailInit = false;
     bool Quiet = false;             ///< Records nothing, and so allocates nothing.
     int Lookups = 0;                ///< Calls for ids of shaders, constants, samplers, states and textures.
@@ -114,7 +115,10 @@ public:
     void SetShaderConst(int id, const cVec3& v) override { Const(id, v.x, v.y, v.z); }
     void SetShaderConst(int id, const cVec4& v) override { Const(id, v.x, v.y, v.z, v.w); }
     void SetShaderConst(int id, const cMat3&) override { Const(id, "mat3"); }
-    void SetShaderConst(int id, const cMat4&) override { Const(id, "mat4"); }
+    void SetShaderConst(int id, const cMat4& v) override {
+        LastMatrix = v;
+        Const(id, "mat4");
+    }
     void SetShaderConst(int id, const float*, int count) override { Const(id, "float", count); }
     void SetShaderConst(int id, const cVec2*, int count) override { Const(id, "vec2", count); }
     void SetShaderConst(int id, const cVec3*, int count) override { Const(id, "vec3", count); }

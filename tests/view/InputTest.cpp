@@ -182,10 +182,10 @@ TEST_F(Input, HeldKeysRepeat) {
     Frame();
 
     s_Hands.Pad.IsDown[0] = true;
-    EXPECT_EQ(Frame(), "+DpadUp ");
+    EXPECT_EQ(Frame(), "+DpadUp c-1:DpadUp ");
     EXPECT_EQ(Frame(cTheme::GamepadRepeatDelaySec - 0.01f), "");
-    EXPECT_EQ(Frame(0.02f), "~+DpadUp ");
-    EXPECT_EQ(Frame(cTheme::GamepadRepeatRateSec), "~+DpadUp ");
+    EXPECT_EQ(Frame(0.02f), "~+DpadUp ~c-1:DpadUp ");
+    EXPECT_EQ(Frame(cTheme::GamepadRepeatRateSec), "~+DpadUp ~c-1:DpadUp ");
 }
 
 TEST_F(Input, DevicesThatGoLetGo) {
