@@ -40,17 +40,11 @@ cWnd::cWnd(cWnd* parent, const cTheme* theme) : m_Theme(theme), m_Parent(parent)
 }
 
 cWnd::~cWnd() {
-    // While the way up is still there: once detached, neither the children nor what is beneath them reach the form,
-    // which would keep the focus of one that has gone.
-    ClearFocusBeneath(this);
+    Leave();
     for (Guard* guard = Guard::s_Innermost; guard; guard = guard->m_Outer) {
         if (guard->m_Wnd == this) {
             guard->m_Wnd = nullptr;
         }
-    }
-    const Guard parent(m_Parent);
-    if (m_Parent) {
-        m_Parent->Detach(this);
     }
     cList<cWnd*> children = std::move(m_Children);
     if (cWnd* toolBar = std::exchange(m_ToolBar, nullptr)) {
@@ -62,12 +56,31 @@ cWnd::~cWnd() {
     for (const cWnd* child : children) { // one may have freed another; an unknown pointer is ignored
         cWidgets::FreeWidget(child, true);
     }
-    if (!parent.IsGone()) {
-        m_Parent->ClearFocus(this);
+}
+
+/// Out of the parent's hands, and the form's: it keeps no focus on what is no longer beneath it. That is told while the
+/// way up is still there. Whoever is told may free anything.
+void cWnd::Leave() {
+    if (!m_Parent) {
+        return;
+    }
+    const Guard guard(this);
+    ClearFocusBeneath(this);
+    if (guard.IsGone() || !m_Parent) {
+        return;
+    }
+    cWnd* parent = m_Parent;
+    const Guard parentGuard(parent);
+    parent->Detach(this);
+    if (!parentGuard.IsGone()) {
+        parent->ClearFocus(this);
+    }
+    if (!guard.IsGone()) {
+        m_Parent = nullptr;
     }
 }
 
-/// No window beneath `wnd` keeps the focus. Whoever is told may free any of them.
+/// No window beneath `wnd` keeps the focus.
 void cWnd::ClearFocusBeneath(cWnd* wnd) {
     const Guard guard(wnd);
     const auto clear = [&](cWnd* child) {
@@ -77,10 +90,17 @@ void cWnd::ClearFocusBeneath(cWnd* wnd) {
             wnd->ClearFocus(child);
         }
     };
-    for (int i = 0; !guard.IsGone() && i < wnd->m_Children.Count(); i++) {
-        clear(wnd->m_Children[i]);
+    // A child may go, or change its place: each is looked at anew, and none is waited for.
+    int at = 0;
+    for (int left = wnd->m_Children.Count(); left > 0 && at < wnd->m_Children.Count(); left--) {
+        cWnd* child = wnd->m_Children[at];
+        clear(child);
+        if (guard.IsGone()) {
+            return;
+        }
+        at += at < wnd->m_Children.Count() && wnd->m_Children[at] == child;
     }
-    if (!guard.IsGone() && wnd->m_ToolBar) {
+    if (wnd->m_ToolBar) {
         clear(wnd->m_ToolBar);
     }
 }
@@ -99,8 +119,13 @@ void cWnd::Detach(const cWnd* wnd) {
 
 /// In the layer of the root. @return the id, also of a window that the manager already has; -1: refused
 int cWnd::AddToManager(cWnd* wnd) {
-    if (!wnd || wnd == this) {
+    if (!wnd) {
         return -1;
+    }
+    for (const cWnd* w = this; w; w = w->m_Parent) {
+        if (w == wnd) {
+            return -1; // nobody is beneath himself
+        }
     }
     int id = cWidgets::GetWidgetID(wnd);
     if (id == -1) {
@@ -108,11 +133,20 @@ int cWnd::AddToManager(cWnd* wnd) {
         const int layer = cWidgets::GetWidgetLayer(root ? root : this);
         id = cWidgets::AddWidget(wnd, layer == -1 ? FormLayer : layer);
     }
-    if (id != -1) {
-        if (wnd->m_Parent && wnd->m_Parent != this) {
-            wnd->m_Parent->Detach(wnd);
-        }
-        wnd->m_Parent = this;
+    if (id == -1) {
+        return -1;
+    }
+    const Guard guard(wnd);
+    if (wnd->m_Parent != this) {
+        wnd->Leave();
+    }
+    if (guard.IsGone()) {
+        return -1;
+    }
+    wnd->m_Parent = this;
+    wnd->CalcRelBounds(); // rows are laid out before their first frame
+    if (wnd->m_Children.Count() != 0) {
+        cWidgets::BringToFront(wnd); // it came with children, which belong in front of it
     }
     return id;
 }
@@ -120,6 +154,7 @@ int cWnd::AddToManager(cWnd* wnd) {
 int cWnd::AddChild(cWnd* child) {
     const int id = AddToManager(child);
     if (id != -1 && m_Children.IndexOf(child) == -1) {
+        Detach(child); // it may have been the tool bar
         m_Children.Add(child);
     }
     return id;
@@ -127,13 +162,21 @@ int cWnd::AddChild(cWnd* child) {
 
 int cWnd::SetToolBar(cToolBar* toolBar) {
     if (m_ToolBar && m_ToolBar != toolBar) {
-        cWnd* former = std::exchange(m_ToolBar, nullptr);
-        ClearFocus(former);
-        former->m_Parent = nullptr;
-        cWidgets::FreeWidget(former, true);
+        cWnd* former = m_ToolBar;
+        const Guard guard(this), formerGuard(former);
+        former->Leave();
+        if (!formerGuard.IsGone()) {
+            cWidgets::FreeWidget(former, true);
+        }
+        if (guard.IsGone()) {
+            return -1;
+        }
     }
     const int id = AddToManager(toolBar);
-    m_ToolBar = id == -1 ? nullptr : toolBar;
+    if (id != -1) {
+        Detach(toolBar); // it may have been a child
+        m_ToolBar = toolBar;
+    }
     return id;
 }
 
@@ -417,7 +460,15 @@ bool cWnd::OnButtonUp(int code) {
     return true;
 }
 
+/// The capture may have been taken away; then the release will not be seen.
+void cWnd::DropLostPart() {
+    if (m_DragPart != 0 && !cWidgets::IsCaptured(this)) {
+        m_DragPart = 0;
+    }
+}
+
 bool cWnd::IsHot(bool covered) {
+    DropLostPart();
     if (covered || !IsVisible() || !IsEnabled()) {
         m_HotPart = 0;
         return false;

@@ -20,8 +20,8 @@ namespace trellis {
 class cToolBar;
 
 /// The manager owns windows; a window frees its children. Between the end of a parent and its own, a window may live
-/// on for the rest of the frame without a parent. A callback may free the window itself, its parent or neighbours.
-/// Rendering thread only.
+/// on for the rest of the frame without a parent; one that was never added goes before its parent does. A callback may
+/// free the window itself, its parent or neighbours. Rendering thread only.
 class cWnd : public cWidget {
 public:
     /// What `GetType` answers.
@@ -181,7 +181,8 @@ protected:
     /// The parent's scrolled client on whole points; `Empty` without a parent. A control whose parent's is empty calls
     /// `EmptyRects` and draws nothing.
     cRect GetParentClient() const;
-    void EmptyRects(); ///< `m_Bounds` and `m_ClippedBounds`: the mouse cannot touch the window.
+    void EmptyRects(); ///< Of bounds and clients: the mouse cannot touch the window, nor what is beneath it.
+    void Leave();      ///< The parent no longer has this window, nor the form the focus beneath it.
 
     /// Tells, after a callback, whether it has freed the window. Lives on the stack.
     class Guard {
@@ -203,6 +204,7 @@ private:
     int AddToManager(cWnd* wnd);
     static void ClearFocusBeneath(cWnd* wnd);
     void Detach(const cWnd* wnd);
+    void DropLostPart();
 
     void CalcScrollBars();
     void CalcSizing();

@@ -19,6 +19,14 @@ float Round(float v) {
     return std::floor(v + 0.5f);
 }
 
+/// An axis of a content that is not there yet, or is no number, has no length: sliding the largest floats would leave
+/// no numbers either.
+void EnsureContent(float* from, float* to) {
+    if (!(*from <= *to) || !std::isfinite(*from) || !std::isfinite(*to)) {
+        *from = *to = 0;
+    }
+}
+
 /// One bar along its track: offsets from the track's start, its top or its left.
 struct BarLayout {
     float Scale;
@@ -42,6 +50,8 @@ BarLayout LayOutBar(const cTheme& theme, float track, float client, float conten
     }
     bar.ExactLength = theme.ScrollThumbMinLength + ratio * free;
     bar.ExactOffset = theme.ScrollArrowLength + before * bar.Scale;
+    before = std::max(before, 0.0f); // content that ends within the client lacks nothing there
+    after = std::max(after, 0.0f);
     bar.Length = Round(ratio * free) + theme.ScrollThumbMinLength;
     // Rounded from the nearer end: at either end of its travel the thumb touches the arrow exactly.
     bar.FromEnd = before > after;
@@ -65,6 +75,7 @@ cRect cWnd::GetParentClient() const {
 
 void cWnd::EmptyRects() {
     m_Bounds = m_ClippedBounds = cRect::Empty;
+    m_ClientBounds = m_Client = m_AbsClient = m_ClippedClient = m_ScrollClip = cRect::Empty;
 }
 
 void cWnd::CalcRects() {
@@ -84,9 +95,8 @@ void cWnd::CalcRects() {
         }
         return;
     }
-    if (m_RelClient == cRect::Empty) {
-        m_RelClient = cRect::Zero; // no content yet; sliding the largest floats would leave no numbers
-    }
+    EnsureContent(&m_RelClient.x0, &m_RelClient.x1);
+    EnsureContent(&m_RelClient.y0, &m_RelClient.y1);
 
     m_Client = m_ClientBounds;
     if (m_Theme->ScrollBarsInsideClient) { // by the last frame's flags; a bar takes no more than there is
@@ -121,6 +131,8 @@ void cWnd::CalcRects() {
 
 void cWnd::RestrictRelClientToScrollRect() {
     cRect& r = m_RelClient;
+    EnsureContent(&r.x0, &r.x1);
+    EnsureContent(&r.y0, &r.y1);
     const float width = m_Client.Width(), height = m_Client.Height();
     if (width > r.x1) {
         r.x0 += width - r.x1;

@@ -113,9 +113,7 @@ void cWnd::DragThumb(const cVec2& mouse) {
 // ---- Repeats and edges
 
 void cWnd::HandleScrolling() {
-    if (m_DragPart != 0 && !cWidgets::IsCaptured(this)) {
-        m_DragPart = 0; // the capture was taken away, and the release will not be seen
-    }
+    DropLostPart();
     if (RepeatHeldPart() && m_EdgeScroll) {
         ScrollAtEdges();
     }

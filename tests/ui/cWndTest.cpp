@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <string>
 
@@ -234,7 +235,7 @@ TEST_F(Wnd, WhatIsUnderTheMouse) {
         {30, 20, 4, -1},   {60, 20, 8, -1},  {20, 20, 11, -1},  {85, 20, 12, -1},   {118, 60, 26, 2},
         {2, 60, 24, 2},    {50, 138, 25, 3}, {50, 2, 27, 3},    {3.9f, 125, 29, 5}, {4, 125, 0, -1},
         {118, 2, 28, 5},   {2, 2, 30, 4},    {118, 138, 31, 4}, {50, 80, 0, -1},    {120, 140, 31, 4},
-        {121, 60, 0, -1},
+        {115, 125, 0, -1}, {115, 15, 0, -1}, {5, 15, 0, -1},    {121, 60, 0, -1},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.X << ' ' << row.Y);
@@ -452,7 +453,7 @@ TEST_F(Wnd, ChainsAndTends) {
 TEST_F(Wnd, WindowsGoInCallbacks) {
     Window* panel = Child(W);
     Child(Child(panel));
-    const int bar = W->SetToolBar(new cToolBar(W));
+    const int bar = W->SetToolBar(new cToolBar(nullptr, true, true));
     Window* gone = Child(W);
     gone->Name = 'g';
     Child(W)->Name = 'l';
@@ -480,6 +481,44 @@ TEST_F(Wnd, WindowsGoInCallbacks) {
     child->Act = [&] { cWidgets::FreeWidget(root, false); };
     cWidgets::BringToFront(root);
     EXPECT_EQ(Window::s_Alive, 0);
+}
+
+// A form must not keep the focus of what has left it.
+TEST_F(Wnd, WhoLeavesGivesTheFocusUp) {
+    auto* bar = new cToolBar(nullptr, true, true);
+    W->SetToolBar(bar);
+    Window* button = Child(bar);
+    W->Focus = button;
+    W->SetToolBar(new cToolBar(nullptr, true, true));
+    EXPECT_EQ(W->Cleared, 2) << "the bar, and what is on it";
+
+    Window* panel = Child(W);
+    Window* edit = Child(panel);
+    auto* other = new Window(nullptr, &Theme);
+    cWidgets::AddWidget(other, 5);
+    W->Cleared = 0;
+    other->AddChild(panel);
+    EXPECT_EQ(W->Cleared, 2);
+    EXPECT_EQ(W->m_Children.Count(), 0);
+    EXPECT_EQ(edit->GetTopLevelParent(), other);
+
+    EXPECT_EQ(edit->AddChild(other), -1) << "nobody is beneath himself";
+    EXPECT_EQ(edit->AddChild(edit), -1);
+    W->AddChild(W->m_ToolBar);
+    EXPECT_EQ(W->m_ToolBar, nullptr) << "in one place";
+    EXPECT_EQ(W->m_Children.Count(), 1);
+}
+
+TEST_F(Wnd, ContentWithinTheClientLeavesTheThumbOnTheTrack) {
+    W->m_RelClient = {0, -50, 50, 0};
+    W->m_HBarShown = W->m_VBarShown = false;
+    W->CalcRects();
+    EXPECT_EQ(W->m_VThumb, cRect(94, 26, 110, 114)); // of the whole track
+    EXPECT_EQ(W->m_HThumb, cRect(26, 10, 94, 26));
+    const float nan = std::nanf("");
+    W->m_RelClient = {nan, 0, 50, nan};
+    W->CalcRects();
+    EXPECT_EQ(W->m_RelClient, cRect::Zero);
 }
 
 TEST_F(Wnd, NothingIsHeldWithoutTheCapture) {
