@@ -1,8 +1,6 @@
 // A frame of 200 controls, drawn by each theme on a device that does nothing, in parts a second; and what it allocates.
-#include "bench/BenchFonts.h"
+#include "bench/BenchTheme.h"
 #include "tests/render/Allocations.h"
-#include "tests/render/RecordingDevice.h"
-#include "ui/cTheme.h"
 
 #include <benchmark/benchmark.h>
 
@@ -11,22 +9,6 @@
 using namespace trellis;
 
 namespace {
-
-class QuietDevice : public RecordingDevice {
-public:
-    QuietDevice() { Quiet = true; }
-    int GetTextureID(const char*) override { return 0; }
-};
-
-const cTheme& Theme(bool fragile) {
-    if (!cRender::GetInstance()) {
-        cRender::SetFactory([](int) -> cRender::Stub* { return new QuietDevice; });
-        cRender::Init(3);
-        const BenchFonts fonts({"Tahoma 8", "Tahoma B8", "Calibri 11", "Calibri 16", "Calibri B24"});
-        cTheme::Init();
-    }
-    return fragile ? *cTheme::Fragile : *cTheme::WindowsStandard;
-}
 
 /// Rows of a panel, as an editor has them.
 std::vector<cTheme::DrawArgs> Controls(int count) {
@@ -52,7 +34,7 @@ std::vector<cTheme::DrawArgs> Controls(int count) {
 }
 
 void BM_ThemeFrame(benchmark::State& state) {
-    const cTheme& theme = Theme(state.range(0) == 1);
+    const cTheme& theme = BenchTheme(state.range(0) == 1);
     const std::vector<cTheme::DrawArgs> controls = Controls(200);
     const auto frame = [&] {
         for (const cTheme::DrawArgs& args : controls) {

@@ -1,0 +1,174 @@
+#include "host/InputScript.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+
+namespace trellis {
+
+namespace {
+
+cInput::MouseState s_Mouse;
+cInput::GamepadState s_Gamepad;
+cInput::KeyboardState& Keys() {
+    static cInput::KeyboardState s_Keys;
+    return s_Keys;
+}
+cList<cInput::CharPress>& Chars() {
+    static cList<cInput::CharPress> s_Chars;
+    return s_Chars;
+}
+
+struct Verb {
+    const char* Name;
+    int Values; // numbers, at most 3
+    bool HasText, HasCode;
+};
+constexpr Verb s_Verbs[] = {
+    {"size", 2, false, false},  {"point", 0, true, false}, {"move", 2, false, false}, {"drag", 3, false, false},
+    {"down", 0, true, true},    {"up", 0, true, true},     {"press", 0, true, true},  {"double", 0, false, false},
+    {"wheel", 1, false, false}, {"type", 0, true, false},  {"save", 0, true, false},
+};
+
+} // namespace
+
+InputScript::InputScript() {
+    s_Mouse = {};
+    s_Gamepad = {};
+    Keys() = {};
+    cInput::Samplers samplers;
+    samplers.Mouse = [](cInput::MouseState* out) { *out = s_Mouse; };
+    samplers.Keyboard = [](cInput::KeyboardState* out) { *out = Keys(); };
+    samplers.Gamepad = [](cInput::GamepadState* out) { *out = s_Gamepad; };
+    samplers.Chars = [](cList<cInput::CharPress>* out) { *out = Chars(); };
+    cInput::SetSamplers(samplers);
+}
+
+InputScript::~InputScript() {
+    cInput::SetSamplers({});
+}
+
+void InputScript::SetDown(int code, bool down) {
+    if (cInput::IsKeyboardCode(code)) {
+        Keys().IsDown[code] = down;
+    } else if (cInput::IsGamepadCode(code)) {
+        s_Gamepad.IsDown[code - cInput::DpadUp] = down;
+    } else {
+        s_Mouse.IsDown[code - cInput::LeftButton] = down;
+    }
+}
+
+bool InputScript::Parse(const std::string& text, std::string* error) {
+    std::istringstream lines(text);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); number++) {
+        const auto fail = [&](const char* what) {
+            *error = "line " + std::to_string(number) + ": " + what;
+            return false;
+        };
+        std::istringstream words(line.substr(0, line.find('#')));
+        Event event{number, 0, {}, {}, {}, -1};
+        if (!(words >> std::ws) || words.peek() == EOF) {
+            continue;
+        }
+        if (!(words >> event.Frame >> event.Verb) || event.Frame < 0) {
+            return fail("not a frame and an event");
+        }
+        if (!m_Events.empty() && event.Frame < m_Events.back().Frame) {
+            return fail("the frames go back");
+        }
+        const Verb* verb = nullptr;
+        for (const Verb& v : s_Verbs) {
+            verb = event.Verb == v.Name ? &v : verb;
+        }
+        if (!verb) {
+            return fail("no such event");
+        }
+        for (int i = 0; i < verb->Values; i++) {
+            if (!(words >> event.Values[i])) {
+                return fail("a number is missing");
+            }
+        }
+        if (verb->HasText) {
+            std::getline(words >> std::ws, event.Text);
+            event.Text.erase(event.Text.find_last_not_of(" \t\r") + 1);
+            if (event.Text.empty()) {
+                return fail("a name is missing");
+            }
+        }
+        if (verb->HasCode) {
+            event.Code = cInput::ToCode(event.Text.c_str());
+            if (event.Code == -1) {
+                return fail("no such code");
+            }
+        }
+        m_Events.push_back(event);
+    }
+    return true;
+}
+
+bool InputScript::Play(const Listener& listener, const std::function<void()>& frame, std::string* error) {
+    std::vector<int> toRelease;
+    std::string toType;
+    cVec2 step(0, 0);
+    int stepsLeft = 0;
+    size_t next = 0;
+    for (int now = 0; next < m_Events.size() || stepsLeft > 0 || !toType.empty() || !toRelease.empty(); now++) {
+        Chars().Clear();
+        s_Mouse.Wheel = 0;
+        s_Mouse.DoubleClick = false;
+        for (int code : std::exchange(toRelease, {})) {
+            SetDown(code, false);
+        }
+        std::vector<const Event*> saves;
+        for (; next < m_Events.size() && m_Events[next].Frame <= now; next++) {
+            const Event& e = m_Events[next];
+            if (e.Verb == "size") {
+                listener.Size(int(e.Values[0]), int(e.Values[1]));
+            } else if (e.Verb == "point") {
+                if (!listener.Find(e.Text, &s_Mouse.Position)) {
+                    *error = "line " + std::to_string(e.Line) + ": nothing is called " + e.Text;
+                    return false;
+                }
+            } else if (e.Verb == "move") {
+                s_Mouse.Position = {e.Values[0], e.Values[1]};
+            } else if (e.Verb == "drag") {
+                stepsLeft = std::max(1, int(e.Values[2]));
+                step = cVec2(e.Values[0], e.Values[1]) * (1.0f / float(stepsLeft));
+            } else if (e.Verb == "wheel") {
+                s_Mouse.Wheel = int(e.Values[0]);
+            } else if (e.Verb == "type") {
+                toType += e.Text;
+            } else if (e.Verb == "save") {
+                saves.push_back(&e);
+            } else {
+                const int code = e.Verb == "double" ? int(cInput::LeftButton) : e.Code;
+                s_Mouse.DoubleClick = s_Mouse.DoubleClick || e.Verb == "double";
+                SetDown(code, e.Verb != "up");
+                if (e.Verb == "press" || e.Verb == "double") {
+                    toRelease.push_back(code);
+                }
+            }
+        }
+        if (stepsLeft > 0) {
+            s_Mouse.Position += step;
+            stepsLeft--;
+        }
+        if (!toType.empty()) {
+            Chars().Add({static_cast<unsigned char>(toType[0]), -1});
+            toType.erase(0, 1);
+        }
+        cInput::Acquire();
+        frame();
+        cInput::FreeEvents();
+        for (const Event* save : saves) {
+            if (!listener.Save(save->Text)) {
+                *error = "line " + std::to_string(save->Line) + ": cannot save " + save->Text;
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+} // namespace trellis
