@@ -20,7 +20,13 @@ bool cFrustum::CullPoint(const cVec3& p) const {
 }
 
 bool cFrustum::CullBounds(const cBounds& bounds, const cMat4& m) const {
-    return std::any_of(planes, planes + 6, [&](const cPlane& plane) { return plane.BelowPlane(bounds, m); });
+    if (bounds.IsEmpty()) {
+        return true;
+    }
+    cVec3 points[8];
+    bounds.ToPoints(points);
+    cVec3::TransformCoordinate(points, 8, m);
+    return std::any_of(planes, planes + 6, [&points](const cPlane& plane) { return plane.BelowPlane(points, 8); });
 }
 
 void cFrustum::Scale(const cVec2& s) {

@@ -4,6 +4,8 @@
 #include "math/cMat4.h"
 #include "math/cQuat.h"
 
+#include <algorithm>
+
 namespace trellis {
 
 cQuat cPlane::MirrorOrient(const cQuat& orient) const {
@@ -14,6 +16,10 @@ cQuat cPlane::MirrorOrient(const cQuat& orient) const {
     return cMat3(cVec3::Cross(up, back), up, back).ToQuat();
 }
 
+bool cPlane::BelowPlane(const cVec3* points, int count) const {
+    return std::all_of(points, points + count, [this](const cVec3& p) { return SignedDistance(p) < 0; });
+}
+
 bool cPlane::BelowPlane(const cBounds& bounds, const cMat4& m) const {
     if (bounds.IsEmpty()) {
         return true;
@@ -21,12 +27,7 @@ bool cPlane::BelowPlane(const cBounds& bounds, const cMat4& m) const {
     cVec3 corners[8];
     bounds.ToPoints(corners);
     cVec3::TransformCoordinate(corners, 8, m);
-    for (const cVec3& p : corners) {
-        if (!(SignedDistance(p) < 0)) {
-            return false;
-        }
-    }
-    return true;
+    return BelowPlane(corners, 8);
 }
 
 } // namespace trellis

@@ -25,6 +25,7 @@ public:
 
     /// Whether all eight transformed corners of the box lie below the plane. An empty box holds nothing, so it does.
     bool BelowPlane(const cBounds& bounds, const cMat4& m) const;
+    bool BelowPlane(const cVec3* points, int count) const; ///< Whether all of the points do.
 
     friend constexpr bool operator==(const cPlane& a, const cPlane& b) = default;
 

@@ -38,7 +38,7 @@ bool cBindButton::OnButtonDown(int code) {
         }
         return consumed;
     }
-    if (m_State == Held) {
+    if (m_State == Held && code != cInput::Esc) {
         return cPressControl::OnButtonDown(code);
     }
     // Nothing can be bound that is out of sight: it would keep the whole input to itself.
@@ -84,10 +84,6 @@ bool cBindButton::OnButtonUp(int code) {
         cWidgets::ReleaseCapture();
     }
     return true;
-}
-
-bool cBindButton::OnChar(int, int) {
-    return cWidgets::IsCaptured(this);
 }
 
 void cBindButton::OnPressed() {

@@ -21,7 +21,6 @@ public:
     int GetType() const override { return BindButtonType; }
     bool OnButtonDown(int code) override;
     bool OnButtonUp(int code) override;
-    bool OnChar(int c, int code) override; ///< While it waits, no key is anyone else's.
     void CalcRelBounds() override;
     void Unbind() override { m_Value = nullptr; }
 

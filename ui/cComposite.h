@@ -18,10 +18,10 @@ public:
     void Unbind() override;
 
 protected:
-    /// @param font, padding  of the caption, as the first part draws it
     cComposite(cWnd* parent, float x, float y, int align, bool visible, bool enabled);
 
     /// Left to right, all of the size in their `m_Size`. Takes the parts over.
+    /// @param font, padding  of the caption, as the first part draws it
     /// @param spacing  between them, points
     void SetParts(std::initializer_list<cControl*> parts, int font, float padding, float spacing);
 

@@ -137,7 +137,7 @@ bool cControl::IsMouseInside() const {
 }
 
 bool cControl::IsLive() {
-    return IsVisible() && IsEnabled() && GetFormState() != 0;
+    return IsVisible() && IsEnabled() && GetFormState() != 0 && !GetParentClient().IsEmpty();
 }
 
 bool cControl::IsPressKey(int code) {
@@ -160,12 +160,15 @@ bool cControl::Capture(int code) {
 bool cControl::TrackHot(bool covered) {
     const bool captured = cWidgets::IsCaptured(this);
     const bool hot = !covered && IsVisible() && IsEnabled() && (captured || IsMouseInside());
+    // A mouse at rest does not take back what the keys have moved on.
+    const bool arrives = hot && (m_Hot.Target == 0 || cInput::GetMouseDelta() != cVec2(0, 0));
     m_Hot.Target = hot ? 1.0f : 0.0f;
     m_TargetGrow = !m_Grows   ? 0
                    : captured ? m_Theme->ButtonPressGrow
                    : hot      ? m_Theme->ButtonHotGrow
                               : m_Theme->ButtonIdleGrow;
-    if (hot && m_TabStop && m_Theme->FocusFollowsMouse && !cWidgets::IsCaptured() && IsActive() && !HasFocus(this)) {
+    if (arrives && m_TabStop && m_Theme->FocusFollowsMouse && !cWidgets::IsCaptured() && IsActive() &&
+        !HasFocus(this)) {
         SetFocus(this);
     }
     return hot;

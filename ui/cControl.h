@@ -76,7 +76,7 @@ protected:
 
     void Send(Msg msg, const void* before, const void* after); ///< To the parent; it may free the control.
     bool TrackHot(bool covered); ///< `IsHot` of a control that takes input: growth, focus under the mouse.
-    bool IsLive();               ///< Seen and enabled with all ancestors, in a form that is not minimised.
+    bool IsLive();               ///< Seen and enabled with all ancestors, in a client, in a form that is not minimised.
     bool IsMouseInside() const;  ///< Of what the mouse can touch.
     bool Capture(int code);      ///< And activates the form. @return false: someone else has the capture, or the
                                  ///< control is gone

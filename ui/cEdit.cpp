@@ -105,9 +105,9 @@ void cEdit::SetValueFromBuffer() {
             Send(FloatCommitted, &before, m_FloatValue);
         }
     } else if (m_StrValue && *m_StrValue != m_Buffer) {
-        const cStr before = *m_StrValue;
-        *m_StrValue = m_Buffer;
-        Send(TextCommitted, before.Text(), m_StrValue->Text());
+        const cStr before = *m_StrValue, after = m_Buffer; // whoever hears of it may write over the value
+        *m_StrValue = after;
+        Send(TextCommitted, before.Text(), after.Text());
     }
 }
 
@@ -180,6 +180,7 @@ void cEdit::OnTabStop() {
     SetFocus(this);
     if (!guard.IsGone() && IsEditing()) {
         m_MouseSelecting = false;
+        m_Undo.Clear();
         SelectAll();
         m_CaretTime = cTimer::GetSystemTimeSec();
     }
@@ -202,6 +203,10 @@ bool cEdit::EndEdit(bool commit) {
 }
 
 void cEdit::RecordUndo() {
+    constexpr int Most = 500;
+    if (m_Undo.Count() >= Most) {
+        m_Undo.RemoveAt(0);
+    }
     m_Undo.Add({m_Buffer, m_Caret, m_SelStart, m_SelLen});
 }
 

@@ -42,10 +42,7 @@ cForm::cForm(cWnd* parent, const char* title, const cRect& bounds, const cTheme*
 }
 
 cForm::~cForm() {
-    const int at = s_Forms.IndexOf(this);
-    if (at != -1) {
-        s_Forms.RemoveAt(at);
-    }
+    cForm::OnNewParent();
 }
 
 cRect cForm::GetBaseRect() const {
@@ -60,14 +57,26 @@ cRect cForm::GetBaseRect() const {
 
 // ---- States
 
+/// What a form that was never laid out comes back to.
+void cForm::KeepNormal() {
+    if (m_State == Normal && m_Align0 == -1) {
+        m_NormalBounds = m_Bounds; // there may be no base yet to take anchors from
+    }
+}
+
+void cForm::OnNewParent() {
+    const int at = s_Forms.IndexOf(this);
+    if (at != -1) {
+        s_Forms.RemoveAt(at);
+    }
+}
+
 void cForm::Minimize() {
     LetGo();
     if (m_State == Minimized) {
         m_State = m_PrevState;
     } else {
-        if (m_State == Normal && m_Align0 == -1) {
-            SetNormalStateRels(); // what it comes back to, if it was never laid out
-        }
+        KeepNormal();
         m_PrevState = m_State;
         m_State = Minimized;
     }
@@ -76,9 +85,7 @@ void cForm::Minimize() {
 
 void cForm::Maximize() {
     LetGo();
-    if (m_State == Normal && m_Align0 == -1) {
-        SetNormalStateRels();
-    }
+    KeepNormal();
     m_State = m_State == Maximized ? Normal : Maximized;
     CalcRects();
 }
@@ -173,6 +180,13 @@ bool cForm::OnChar(int, int code) {
 }
 
 void cForm::GoTab(bool forward) {
+    // A child form in front has the keyboard, and a focus of its own.
+    for (cWnd* child : m_Children) {
+        if (child->GetType() == FormType && child->IsActive() && child->GetFormState() != Minimized) {
+            child->GoTab(forward);
+            return;
+        }
+    }
     cList<cWnd*> stops;
     if (m_ToolBar) {
         m_ToolBar->ListChildren(&stops, true);
@@ -180,8 +194,12 @@ void cForm::GoTab(bool forward) {
     ListChildren(&stops, true);
 
     // A disabled panel stays a stop: it says what is beneath it.
-    const auto isEligible = [](cWnd* w) {
-        return w->IsVisible() && (w->IsEnabled() || w->GetType() == PanelType) && w->GetTabStop();
+    const auto isEligible = [this](cWnd* w) {
+        const cWnd* form = w->m_Parent; // what is in a child form takes that form's focus
+        while (form && form->GetType() != FormType) {
+            form = form->m_Parent;
+        }
+        return form == this && w->IsVisible() && (w->IsEnabled() || w->GetType() == PanelType) && w->GetTabStop();
     };
     const int count = stops.Count(), at = stops.IndexOf(m_Focus), step = forward ? 1 : -1;
     cWnd* next = nullptr;
@@ -220,6 +238,7 @@ void cForm::ScrollToFocusedControl() {
     }
     if (w) {
         const cRect& bar = m_ToolBar->m_Client;
+        r.Translate({m_ToolBar->m_Scroll - m_ToolBar->m_AlignedScroll, 0}); // since the last layout
         if (r.x0 - margin < bar.x0) {
             m_ToolBar->m_Scroll += bar.x0 - (r.x0 - margin);
         } else if (r.x1 + margin > bar.x1) {

@@ -42,7 +42,9 @@ public:
     void SetFocus(cWnd* control) override { m_Focus = control; }
     void ClearFocus(cWnd* control) override;
     void CalcRects() override;
-    void GoTab(bool forward) override; ///< To the next control, or the one before, in the order of creation.
+    void OnNewParent() override;       ///< A child form is no root form any more.
+    void GoTab(bool forward) override; ///< To the next control, or the one before: those of the tool bar, and then the
+                                       ///< children in their order.
     int GetMouseOver() override;
 
     void Minimize(); ///< Or back to the state before.
@@ -78,6 +80,7 @@ protected:
     cRect GetBaseRect() const; ///< What the geometry is relative to; (0, 0, 640, 480) without a viewer.
 
 private:
+    void KeepNormal();
     bool IsMovedOrSized() const;
     void Vanish();
     void LetGo();
@@ -87,6 +90,8 @@ private:
     void CalcParts();
     void DrawDockRegions(cTheme::DrawArgs* args) const;
     void DrawParts(cTheme::DrawArgs* args) const;
+
+    cRect m_NormalBounds = cRect::Empty; // kept by `KeepNormal`
 };
 
 } // namespace trellis

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace trellis {
 
@@ -16,7 +17,7 @@ cRect Rounded(const cRect& r) {
     return {round(r.x0), round(r.y0), round(r.x1), round(r.y1)};
 }
 
-/// The base of a host's window that is hidden is none: forms keep their places until it is back.
+/// The base of a host's window that is hidden is none: normal and small forms keep their places until it is back.
 bool HasArea(const cRect& base) {
     return base.Width() > 0 && base.Height() > 0;
 }
@@ -62,6 +63,9 @@ void cForm::CalcNormalStateBounds() {
     }
     const cVec2& size = m_Theme->FormMinSize;
     const bool isByHand = IsMovedOrSized();
+    if (m_Align0 == -1 && m_NormalBounds != cRect::Empty) {
+        m_Bounds = std::exchange(m_NormalBounds, cRect::Empty);
+    }
     if (m_Align0 == -1 || isByHand) {
         SetNormalStateRels();
     } else {

@@ -40,6 +40,7 @@ void cPanel::SetSimple(bool simple) {
 // ---- Layout
 
 void cPanel::CalcRelBounds() {
+    AlignChildren();
     const cTheme& theme = *m_Theme;
     const float width = GetParentClient().Width(), header = m_Headless ? 0 : theme.PanelHeaderHeight;
     float height = header;
@@ -105,7 +106,8 @@ void cPanel::AlignChildren() {
         x = m_AbsClient.IsEmpty() ? 0 : Round((Round(m_AbsClient.x1) - Round(m_AbsClient.x0)) / 2);
     } else {
         // One column throughout the form, however deep the panel is. The form may have gone before what is in it.
-        const float width = m_Root && GetTopLevelParent() == m_Root ? m_Root->m_Client.Width() : 0;
+        const cWnd* root = GetTopLevelParent(); // `m_Root`, unless the panel has gone elsewhere
+        const float width = root ? root->m_Client.Width() : 0;
         const float a = theme.LabelColumnWidth, sum = a + theme.ValueColumnWidth;
         const float indent = m_Headless ? 0 : theme.PanelIndent;
         x = std::max(a, sum > 0 ? Round(width * a / sum) : 0) - float(m_Level - 1) * indent;
@@ -119,8 +121,12 @@ void cPanel::AlignChildren() {
         if (IsPanel(child)) { // flush with the top, and with another panel
             y += !before ? theme.RowSpacing : IsPanel(before) ? theme.SmallRowSpacing : 0;
         }
-        child->m_Pos = {x, y};
-        child->m_Align = theme.CenterRows ? cRect::CenterTop : cRect::LeftTop;
+        const int align = theme.CenterRows ? cRect::CenterTop : cRect::LeftTop;
+        if (child->m_Pos != cVec2(x, y) || child->m_Align != align) {
+            child->m_Pos = {x, y};
+            child->m_Align = align;
+            child->CalcRelBounds();
+        }
         const cRect r = child->GetRelBounds();
         if (!r.IsEmpty()) {
             y -= r.Height() + theme.SmallRowSpacing;

@@ -35,6 +35,10 @@ bool cPressControl::OnButtonDown(int code) {
     return true;
 }
 
+bool cPressControl::OnChar(int, int) {
+    return cWidgets::IsCaptured(this);
+}
+
 bool cPressControl::OnButtonUp(int code) {
     if (!cWidgets::IsCaptured(this)) {
         return false;

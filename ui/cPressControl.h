@@ -10,6 +10,7 @@ class cPressControl : public cControl {
 public:
     bool OnButtonDown(int code) override;
     bool OnButtonUp(int code) override;
+    bool OnChar(int c, int code) override; ///< While it is held, no key is anyone else's.
     bool IsHot(bool covered) override { return TrackHot(covered); }
 
 protected:

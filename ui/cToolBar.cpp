@@ -41,6 +41,7 @@ void cToolBar::AlignChildren() {
     }
     const float height = std::floor(m_AbsClient.y1 + 0.5f) - std::floor(m_AbsClient.y0 + 0.5f);
     m_Cursor = {m_Scroll, -height / 2};
+    m_AlignedScroll = m_Scroll;
     for (cWnd* child : m_Children) {
         if (child->m_Visible) {
             child->m_Pos = m_Cursor;
@@ -76,7 +77,7 @@ bool cToolBar::OnSetCursor(cInput::Cursor::Enum* cursor) {
 }
 
 bool cToolBar::OnButtonDown(int code) {
-    if (!IsVisible() || !IsEnabled()) {
+    if (!IsVisible() || !IsEnabled() || GetFormState() == 0) {
         return false;
     }
     if (cWidgets::IsCaptured(this)) {

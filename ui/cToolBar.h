@@ -27,7 +27,8 @@ public:
     float m_MinScroll = 0;
     float m_DragStartScroll = 0;
     float m_DragStartMouse = 0;
-    cVec2 m_Cursor{0, 0}; ///< Where the next control goes, while they are lined up.
+    float m_AlignedScroll = 0; ///< That the controls stand at since they were last lined up.
+    cVec2 m_Cursor{0, 0};      ///< Where the next control goes, while they are lined up.
 };
 
 } // namespace trellis

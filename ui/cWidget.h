@@ -22,7 +22,7 @@ public:
         return false;
     }
     virtual bool OnMouseMove() { return false; } ///< The position is `cInput`'s.
-    virtual bool OnChar(int c, int code) {       ///< `c` is -1 for a key that prints nothing.
+    virtual bool OnChar(int c, int code) {       ///< `c` is -1 for a key or a gamepad button that prints nothing.
         (void)c, (void)code;
         return false;
     }

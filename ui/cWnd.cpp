@@ -144,7 +144,7 @@ int cWnd::AddToManager(cWnd* wnd) {
         return -1;
     }
     wnd->m_Parent = this;
-    wnd->CalcRelBounds(); // rows are laid out before their first frame
+    wnd->OnNewParent();
     if (wnd->m_Children.Count() != 0) {
         cWidgets::BringToFront(wnd); // it came with children, which belong in front of it
     }
@@ -156,6 +156,12 @@ int cWnd::AddChild(cWnd* child) {
     if (id != -1 && m_Children.IndexOf(child) == -1) {
         Detach(child); // it may have been the tool bar
         m_Children.Add(child);
+    }
+    if (id != -1) { // rows, and the panels that hold them, have their heights before their first frame
+        child->CalcRelBounds();
+        for (cWnd* w = this; w; w = w->m_Parent) {
+            w->CalcRelBounds();
+        }
     }
     return id;
 }

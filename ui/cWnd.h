@@ -92,6 +92,7 @@ public:
     virtual int GetMouseOver();                        ///< The `cTheme::Parts` value under the mouse; 0: none.
     virtual float GetArrowScrollSpeed();               ///< Points a step; the theme's.
     virtual float GetWheelScrollSpeed();               ///< Points a unit; the theme's.
+    virtual void OnNewParent() {}                      ///< The window has become a child, or a tool bar.
     virtual bool IsCollapsed() const { return false; } ///< A panel that is not expanded hides what is beneath it.
 
     /// The window takes over the child, and so does the manager, in the layer of this window's root (the forms' when
@@ -122,7 +123,7 @@ public:
     // ---- Data. Windows of all kinds read each other's.
     const cTheme* m_Theme; ///< Not owned.
     cWnd* m_Parent;
-    cWnd* m_Listener = nullptr; ///< Second receiver of what a control sends; not owned.
+    cWnd* m_Listener = nullptr; ///< Second receiver of what a control sends: a window that the manager has.
     cList<cWnd*> m_Children;    ///< In creation order, which is the tab order.
     cToolBar* m_ToolBar = nullptr;
     cVec2 m_Pos{0, 0}; ///< Relative to the parent's scrolled client, for controls.

@@ -101,10 +101,9 @@ cInput::Event* NewEvent(cInput::EventType type, int code, const cVec2& position)
     return event;
 }
 
-void AddButton(int code, bool down, bool repeat = false) {
+void AddButton(int code, bool down) {
     cInput::Event* event = NewEvent(cInput::ButtonEvent, code, Get().cInput_MousePos);
     event->Down = down;
-    event->Repeat = repeat;
     cInput::AddEvent(event);
 }
 
@@ -174,8 +173,7 @@ void AddRepeats(State& s, const cInput::GamepadState& before) {
         if (down != before.IsDown[i]) {
             *next = cTimer::GetSystemTimeSec() + cTheme::GamepadRepeatDelaySec;
         } else if (down && IsDue(next, cTheme::GamepadRepeatDelaySec, cTheme::GamepadRepeatRateSec)) {
-            AddButton(cInput::DpadUp + i, true, true);
-            AddChar({-1, cInput::DpadUp + i}, true);
+            AddChar({-1, cInput::DpadUp + i}, true); // and no press, which would begin what the first one has ended
         }
     }
 }

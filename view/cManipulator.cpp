@@ -28,21 +28,29 @@ bool IsFinite(const cVec3& v) {
 } // namespace
 
 cManipulator::~cManipulator() {
+    if (m_Unlink) {
+        m_Unlink(m_Slot);
+    }
     if (g_RepeatManipulator.Tool == this) {
         g_RepeatManipulator = {};
     }
 }
 
 void cManipulator::Free(cManipulator* tool) {
-    if (tool && cWidgets::GetWidgetID(tool) != -1) {
-        tool->Pos = nullptr;
-        tool->Orient = nullptr;
-        tool->Unbind();
-        if (cWidgets::IsCaptured(tool)) {
-            cWidgets::ReleaseCapture();
-        }
-        cWidgets::FreeWidget(tool, true);
+    if (!tool) {
+        return;
     }
+    tool->m_Unlink = nullptr;
+    tool->Pos = nullptr;
+    tool->Orient = nullptr;
+    tool->Unbind();
+    if (g_RepeatManipulator.Tool == tool) {
+        g_RepeatManipulator = {};
+    }
+    if (cWidgets::IsCaptured(tool)) {
+        cWidgets::ReleaseCapture();
+    }
+    cWidgets::FreeWidget(tool, true);
 }
 
 void cManipulator::SetParent(const cMat4& parent) {
@@ -68,14 +76,15 @@ cVec3 cManipulator::Turn(const cVec3& v, const cMat4& m) {
 
 bool cManipulator::CalcFrame() {
     const cViewer* viewer = Viewer();
-    if (!viewer || !HasParentInverse) {
+    if (!viewer || !HasParentInverse || viewer->Viewport.Width() <= 0 || viewer->Viewport.Height() <= 0) {
         return false;
     }
     const cVec3 center = Apply(Pos ? *Pos : cVec3::Zero, Parent);
-    const cVec3 toEye = viewer->IsOrtho ? -viewer->Forward : viewer->Position - center;
-    const float distance = cVec3::Dot(viewer->Position - center, -viewer->Forward);
-    const float height = viewer->IsOrtho ? 2 * viewer->HalfSize.y / viewer->OrthoScale
-                                         : 2 * std::fabs(distance) * std::tan(viewer->FovY * 0.5f * cMath::RadsPerDeg);
+    const cVec3 toEye = viewer->IsParallel() ? -viewer->Forward : viewer->GetEye() - center;
+    // By the depth, and not the distance, to the eye: the size on the screen is then the same everywhere on it.
+    const float depth = std::fabs(cVec3::Dot(toEye, viewer->Forward));
+    const float height = viewer->IsParallel() ? 2 * viewer->HalfSize.y / viewer->OrthoScale
+                                              : 2 * depth * std::tan(viewer->FovY * 0.5f * cMath::RadsPerDeg);
     const float pixel = height / (2 * viewer->HalfSize.y);
     if (!IsFinite(center) || !IsFinite(toEye) || !std::isfinite(pixel)) {
         return false;
@@ -116,7 +125,8 @@ bool cManipulator::GetRay(cSeg* out) {
 void cManipulator::CalcMode(bool forDrag) {
     HotMode = Mode::None;
     cSeg ray;
-    if (!CalcFrame() || !GetRay(&ray)) {
+    const bool isInView = Viewer() && Viewer()->Viewport.Contains(cInput::GetMousePosition());
+    if (!isInView || !CalcFrame() || !GetRay(&ray)) {
         return;
     }
     HotMode = Pick(ray);
@@ -128,14 +138,16 @@ void cManipulator::CalcMode(bool forDrag) {
 void cManipulator::ContinueMode(Mode::Enum mode) {
     CurMode = Mode::None;
     cSeg ray;
-    if (!CalcFrame() || !GetRay(&ray)) {
+    if (mode <= Mode::None || mode > Mode::Free || !CalcFrame() || !GetRay(&ray)) {
         return;
     }
     std::copy(Axes, Axes + 3, StartAxes);
     if (Hit(mode, ray, &StartHit)) {
         m_Hit = StartHit;
         CurMode = mode;
-        BeginDrag();
+        if (!BeginDrag()) {
+            CurMode = Mode::None;
+        }
     }
 }
 
@@ -155,7 +167,8 @@ bool cManipulator::HitAxis(const cSeg& axis, const cSeg& ray, cVec3* hit) {
     }
     cVec3 onAxis, onRay;
     cSeg::ClosestPoints(cSeg::Line, axis, cSeg::Ray, ray, onAxis, onRay);
-    if (!IsFinite(onAxis)) {
+    // Beyond the point that the axis vanishes in, the ray would have to go back.
+    if (!IsFinite(onAxis) || cVec3::Dot(onRay - ray.start, ray.direction) <= 0) {
         return false;
     }
     *hit = onAxis;
@@ -236,7 +249,7 @@ bool cManipulator::OnMouseMove() {
         return false;
     }
     cSeg ray;
-    if (CalcFrame() && GetRay(&ray)) {
+    if (CurMode != Mode::None && CalcFrame() && GetRay(&ray)) {
         cVec3 hit;
         if (Hit(Mode::Enum(CurMode), ray, &hit)) { // else the former one holds
             m_Hit = hit;

@@ -31,7 +31,8 @@ extern float g_ManipulatorsSnap; ///< Step; 0 or less: none.
 extern cRepeatManipulator g_RepeatManipulator;
 
 /// Edits values of the caller by pointer, and writes them during the drag, in which it holds the capture. Where the
-/// frame cannot be told - no viewer, an axis of no length, a parent that cannot be inverted - the value stays.
+/// frame cannot be told - no viewer, a viewport of nothing, an axis of no length, a parent that cannot be inverted -
+/// the value stays.
 class cManipulator : public cWidget {
 public:
     enum Type : int { None, MoveType, RotateType, ScaleType, Universal };
@@ -49,7 +50,12 @@ public:
 
     static constexpr int Layer = 1;
 
-    /// Lets go of what is edited, which may end now, and frees the tool once that can be. An unknown one is ignored.
+    /// `*slot`, which holds this tool, becomes null when the tool ends.
+    template <class T> void Link(T** slot) {
+        m_Slot = slot;
+        m_Unlink = [](void* s) { *static_cast<T**>(s) = nullptr; };
+    }
+    /// Lets go of what is edited, which may end now, and frees the tool once that can be. Null is ignored.
     static void Free(cManipulator* tool);
 
     ~cManipulator() override; ///< Its drag can no longer be repeated.
@@ -100,12 +106,13 @@ protected:
     /// Where the ray meets the handle of a mode. @return false to leave the hit as it was
     virtual bool Hit(Mode::Enum mode, const cSeg& ray, cVec3* hit) const = 0;
     virtual void Unbind() = 0;
-    virtual void BeginDrag() = 0; ///< Keeps the value that `StartHit` belongs to.
+    virtual bool BeginDrag() = 0; ///< Keeps the value that `StartHit` belongs to. @return false: no drag from there
     virtual void Drag(const cVec3& hit) = 0;
 
     bool HitPlane(const cSeg& ray, cVec3* hit) const;
-    static bool HitAxis(const cSeg& axis, const cSeg& ray, cVec3* hit); ///< The axis as an infinite line.
-    int NearestAxis(const cSeg& ray) const;                             ///< A `Mode::Enum`, within the tolerance.
+    /// The axis as an infinite line. @return false along the axis, and where it comes nearest behind the eye
+    static bool HitAxis(const cSeg& axis, const cSeg& ray, cVec3* hit);
+    int NearestAxis(const cSeg& ray) const;             ///< A `Mode::Enum`, within the tolerance.
     static bool GetRay(cSeg* out);                      ///< Through the mouse. @return false without a viewer
     static float Snapped(float v);                      ///< To the snap step, if there is one.
     static cVec3 Apply(const cVec3& p, const cMat4& m); ///< A point, divided by its fourth component.
@@ -115,6 +122,10 @@ protected:
     static void BeginLook();               ///< The state that handles are drawn with.
 
     cVec3 m_Hit = cVec3::Zero; // of the last step
+
+private:
+    void* m_Slot = nullptr;
+    void (*m_Unlink)(void*) = nullptr;
 };
 
 } // namespace trellis

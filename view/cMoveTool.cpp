@@ -38,8 +38,9 @@ bool cMoveTool::Hit(Mode::Enum mode, const cSeg& ray, cVec3* hit) const {
                               : mode != Mode::None && Pos && HitAxis(StartAxes[mode - Mode::X], ray, hit);
 }
 
-void cMoveTool::BeginDrag() {
+bool cMoveTool::BeginDrag() {
     StartPos = Center;
+    return Pos;
 }
 
 void cMoveTool::Drag(const cVec3& hit) {
@@ -48,13 +49,13 @@ void cMoveTool::Drag(const cVec3& hit) {
     }
     cVec3 to = Apply(StartPos + hit - StartHit, ParentInverse);
     for (int i = 0; i < 3; i++) {
-        if (!std::isfinite(to[i])) {
-            return;
-        }
         // Only what the drag moves is snapped.
         const bool isMoved =
             CurMode == Mode::Free ? std::fabs(std::fabs(Plane.normal[i]) - 1) > 0.001f : CurMode == Mode::X + i;
         to[i] = isMoved ? Snapped(to[i]) : to[i];
+        if (!std::isfinite(to[i])) {
+            return;
+        }
     }
     *Pos = to;
 }

@@ -23,7 +23,7 @@ protected:
     Mode::Enum Pick(const cSeg& ray) override;
     bool Hit(Mode::Enum mode, const cSeg& ray, cVec3* hit) const override;
     void Unbind() override {}
-    void BeginDrag() override;
+    bool BeginDrag() override;
     void Drag(const cVec3& hit) override;
 };
 

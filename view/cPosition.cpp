@@ -14,10 +14,6 @@ void cPosition::RegisterMembers() {
     members.AddButton(&cPosition::Move, "&cPosition::Move");
 }
 
-bool cPosition::HasTools() const {
-    return m_MoveTool && cWidgets::GetWidgetID(m_MoveTool) != -1;
-}
-
 void cPosition::Move() {
     if (HasTools()) {
         FreeTools();
@@ -33,6 +29,7 @@ void cPosition::CreateTools() {
     FreeTools();
     m_MoveTool = new cMoveTool(&Position);
     m_MoveTool->SetParent(m_Parent);
+    m_MoveTool->Link(&m_MoveTool);
     cWidgets::AddWidget(m_MoveTool, cManipulator::Layer);
 }
 

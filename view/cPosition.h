@@ -21,12 +21,12 @@ public:
     void CreateTools();
     void FreeTools();
     void SetParentTransform(const cMat4& parent) { m_Parent = parent; }
-    bool HasTools() const; ///< The manager may have freed the tool.
+    bool HasTools() const { return m_MoveTool; }
 
     cVec3 Position;
 
 private:
-    cMoveTool* m_MoveTool = nullptr;
+    cMoveTool* m_MoveTool = nullptr; // null again when the manager has freed it
     cMat4 m_Parent = cMat4::Identity;
 };
 

@@ -66,6 +66,25 @@ bool cRotateTool::HitSphere(const cSeg& ray, cVec3* hit) const {
     return true;
 }
 
+/// Of the ray from a ring's visible half; beyond any tolerance from the other one.
+///
+/// @param hit  where the ray is near the sphere; the search begins there
+float cRotateTool::DistanceToRing(const cSeg& ray, const cVec3& axis, cVec3 hit) const {
+    constexpr int Steps = 8;
+    float distance = cMath::FloatMaxValue;
+    for (int i = 0; i < Steps; i++) { // from the ray to the ring, and back again
+        const cVec3 offset = hit - Center, flat = offset - axis * cVec3::Dot(offset, axis);
+        if (!(flat.LengthSq() > 0)) {
+            break;
+        }
+        const cVec3 onRing = Center + cVec3::Normalize(flat) * Radius;
+        hit = ray.GetPoint(ray.ProjectPoint(cSeg::Ray, onRing));
+        const bool isBehind = cVec3::Dot(onRing - Center, Plane.normal) < -0.25f * Radius;
+        distance = isBehind ? cMath::FloatMaxValue : (hit - onRing).Length();
+    }
+    return distance;
+}
+
 cManipulator::Mode::Enum cRotateTool::Pick(const cSeg& ray) {
     const float tolerance = Pixel * TolerancePixels;
     const float distance = cSeg::Distance(cSeg::Ray, ray, Center);
@@ -76,7 +95,7 @@ cManipulator::Mode::Enum cRotateTool::Pick(const cSeg& ray) {
     int best = Mode::None;
     float bestDistance = tolerance;
     for (int i = 0; i < 3; i++) {
-        const float off = std::fabs(cVec3::Dot(hit - Center, Axes[i].direction));
+        const float off = DistanceToRing(ray, Axes[i].direction, hit);
         if (off <= bestDistance) {
             bestDistance = off;
             best = Mode::X + i;
@@ -89,9 +108,10 @@ bool cRotateTool::Hit(Mode::Enum mode, const cSeg& ray, cVec3* hit) const {
     return mode != Mode::None && Orient && HitSphere(ray, hit);
 }
 
-void cRotateTool::BeginDrag() {
+bool cRotateTool::BeginDrag() {
     StartAngles = *Orient;
     StartCenter = Center;
+    return true;
 }
 
 void cRotateTool::Drag(const cVec3& hit) {
@@ -111,31 +131,34 @@ void cRotateTool::Drag(const cVec3& hit) {
     }
     const cVec3 normal = cVec3::Cross(a, b);
     const float cosine = cVec3::Dot(a, b) / lengths;
-    if (cosine >= 1 || !(normal.LengthSq() > 0)) {
-        if (cosine > 0) { // back where the drag began; half a turn of the sphere has no axis
-            *Orient = StartAngles;
-        }
-        return;
+    if (cosine >= 1) {
+        return; // no way between them
     }
     float angle = cosine <= -1 ? 180 : std::acos(cosine) * cMath::DegsPerRad;
-    if (CurMode == Mode::Free) {
+    if (CurMode != Mode::Free) {
+        angle = cVec3::Dot(normal, axis) < 0 ? -angle : angle;
+    } else if (normal.LengthSq() > 0) {
         axis = cVec3::Normalize(normal);
-    } else if (cVec3::Dot(normal, axis) < 0) {
-        angle = -angle;
+    } else {
+        return; // half a turn of the sphere has no axis
     }
-    // The angles are the parent's.
+    // The angles are the parent's. Seen in its mirror, a rotation runs the other way.
     axis = Turn(axis, ParentInverse);
     if (!(axis.LengthSq() > 0)) {
         return;
+    }
+    const auto row = [this](int i) { return Turn({float(i == 0), float(i == 1), float(i == 2)}, Parent); };
+    if (cVec3::Dot(cVec3::Cross(row(0), row(1)), row(2)) < 0) {
+        angle = -angle;
     }
     const cQuat q = cMat3::Rotation(cVec3::Normalize(axis), angle).ToQuat() * StartAngles.ToQuat();
     cAngles to = q.ToAngles();
     to.Normalize180();
     for (float* v : {&to.x, &to.y, &to.z}) {
+        *v = Snapped(*v);
         if (!std::isfinite(*v)) {
             return;
         }
-        *v = Snapped(*v);
     }
     *Orient = to;
 }

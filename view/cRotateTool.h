@@ -24,11 +24,12 @@ protected:
     Mode::Enum Pick(const cSeg& ray) override;
     bool Hit(Mode::Enum mode, const cSeg& ray, cVec3* hit) const override;
     void Unbind() override {}
-    void BeginDrag() override;
+    bool BeginDrag() override;
     void Drag(const cVec3& hit) override;
 
 private:
     bool HitSphere(const cSeg& ray, cVec3* hit) const;
+    float DistanceToRing(const cSeg& ray, const cVec3& axis, cVec3 hit) const;
 };
 
 } // namespace trellis

@@ -34,37 +34,43 @@ cSeg cScaleTool::FreeLine() const {
     return cSeg(Center - right * StartAxes[0].length, Center);
 }
 
-bool cScaleTool::Hit(Mode::Enum mode, const cSeg& ray, cVec3* hit) const {
-    if (mode == Mode::None) {
-        return false;
-    }
-    const cSeg along = mode == Mode::Free ? FreeLine() : cSeg(Center, Center + Axes[mode - Mode::X].direction);
-    return HitAxis(along, ray, hit);
+cSeg cScaleTool::Along() const {
+    return CurMode == Mode::Free ? FreeLine() : Axes[CurMode - Mode::X];
 }
 
-void cScaleTool::BeginDrag() {
-    StartScale = Scale ? *Scale : cVec3::One;
+bool cScaleTool::Hit(Mode::Enum mode, const cSeg& ray, cVec3* hit) const {
+    return mode != Mode::None && Scale && HitAxis(mode == Mode::Free ? FreeLine() : Axes[mode - Mode::X], ray, hit);
+}
+
+/// Signed: on the other side of the centre there is less than nothing, and not as much again.
+float cScaleTool::DistanceOf(const cVec3& p) const {
+    const cSeg along = Along();
+    return cVec3::Dot(p - along.start, along.direction);
+}
+
+bool cScaleTool::BeginDrag() {
+    constexpr float LeastPixels = 4; // from closer by, any motion would be too much
+    if (!Scale || !(std::fabs(DistanceOf(StartHit)) >= LeastPixels * Pixel)) {
+        return false;
+    }
+    StartScale = *Scale;
+    return true;
 }
 
 void cScaleTool::Drag(const cVec3& hit) {
     constexpr float Least = 0.1f;
-    if (!Scale || CurMode == Mode::None) {
+    if (!Scale) {
         return;
     }
-    const cSeg along = CurMode == Mode::Free ? FreeLine() : Axes[CurMode - Mode::X];
-    const auto distance = [&along](const cVec3& p) { return cVec3::Dot(p - along.start, along.direction); };
-    const float ratio = distance(hit) / distance(StartHit);
-    if (!std::isfinite(ratio)) {
-        return;
-    }
-    cVec3 to = *Scale;
+    const float ratio = DistanceOf(hit) / DistanceOf(StartHit);
     for (int i = 0; i < 3; i++) {
+        float& v = (*Scale)[i];
         if (CurMode == Mode::Free || CurMode == Mode::X + i) {
-            to[i] = Snapped(StartScale[i] * ratio);
+            const float to = Snapped(StartScale[i] * ratio);
+            v = std::isfinite(to) ? to : v;
         }
-        to[i] = to[i] >= Least ? to[i] : Least;
+        v = v >= Least ? v : Least;
     }
-    *Scale = to;
 }
 
 void cScaleTool::OnRender() {
@@ -72,7 +78,7 @@ void cScaleTool::OnRender() {
         return;
     }
     BeginLook();
-    const cQuat orient = Orient ? Orient->ToQuat() : cQuat::Identity;
+    const cQuat orient = cMat3::FromVectors(-Axes[2].direction, Axes[0].direction, Axes[1].direction).ToQuat();
     for (int i = 0; i < 3; i++) {
         const cColor color = ColorOf(Mode::Enum(Mode::X + i));
         cRender::DrawConeSolid(Axes[i].GetEnd(), Center, 1.2f * Pixel, 1.2f * Pixel, color, 12);

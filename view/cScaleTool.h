@@ -24,11 +24,13 @@ protected:
     Mode::Enum Pick(const cSeg& ray) override;
     bool Hit(Mode::Enum mode, const cSeg& ray, cVec3* hit) const override;
     void Unbind() override { Scale = nullptr; }
-    void BeginDrag() override;
+    bool BeginDrag() override;
     void Drag(const cVec3& hit) override;
 
 private:
     cSeg FreeLine() const;
+    float DistanceOf(const cVec3& p) const; // from the centre
+    cSeg Along() const;                     // what the present mode measures along
 };
 
 } // namespace trellis

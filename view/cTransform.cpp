@@ -22,21 +22,23 @@ void cTransform::CreateTools() {
     const auto wants = [](int type) {
         return g_ManipulatorsType == type || g_ManipulatorsType == cManipulator::Universal;
     };
-    const auto add = [this](auto* tool) {
+    const auto add = [this](auto* tool, auto** slot) {
         tool->SetParent(m_Parent);
+        tool->Link(slot);
+        *slot = tool;
         cWidgets::AddWidget(tool, cManipulator::Layer);
         return tool;
     };
     // The rear first: among all three the ring lies behind, the cubes in front.
     if (wants(cManipulator::RotateType)) {
-        m_RotateTool = add(new cRotateTool(&Rotate, &Translate, g_ManipulatorsLocal));
+        add(new cRotateTool(&Rotate, &Translate, g_ManipulatorsLocal), &m_RotateTool);
     }
     if (wants(cManipulator::MoveType)) {
-        m_MoveTool = add(new cMoveTool(&Rotate, &Translate, g_ManipulatorsLocal));
-        m_MoveTool->HasFreeInner = g_ManipulatorsType == cManipulator::Universal;
+        add(new cMoveTool(&Rotate, &Translate, g_ManipulatorsLocal), &m_MoveTool)->HasFreeInner =
+            g_ManipulatorsType == cManipulator::Universal;
     }
     if (wants(cManipulator::ScaleType)) {
-        m_ScaleTool = add(new cScaleTool(&Scale, &Rotate, &Translate));
+        add(new cScaleTool(&Scale, &Rotate, &Translate), &m_ScaleTool);
     }
 }
 
@@ -52,7 +54,7 @@ void cTransform::FreeTools() {
 void cTransform::OnProcess() {
     for (cManipulator* tool : {static_cast<cManipulator*>(m_MoveTool), static_cast<cManipulator*>(m_RotateTool),
                                static_cast<cManipulator*>(m_ScaleTool)}) {
-        if (tool && cWidgets::GetWidgetID(tool) != -1) { // the manager may have freed it
+        if (tool) {
             tool->SetParent(m_Parent);
         }
     }

@@ -30,6 +30,7 @@ public:
     cVec3 Translate;
 
 private:
+    // Null again when the manager has freed them.
     cMoveTool* m_MoveTool = nullptr;
     cRotateTool* m_RotateTool = nullptr;
     cScaleTool* m_ScaleTool = nullptr;

@@ -88,8 +88,10 @@ public:
     /// @return whether it is in front of the near plane
     bool WorldToClosestScreenPoint(const cVec3& p, cVec2* pixels) const;
 
-    cVec2 ScreenToClip(const cVec2& pixels) const; ///< Pixels of the window, as the viewport's own, Y up.
-    float GetAspect() const { return m_Aspect; }   ///< The one in use since the last update.
+    cVec2 ScreenToClip(const cVec2& pixels) const;   ///< Pixels of the window, as the viewport's own, Y up.
+    float GetAspect() const { return m_Aspect; }     ///< The one in use since the last update.
+    bool IsParallel() const { return m_IsParallel; } ///< The lens in use.
+    cVec3 GetEye() const { return ViewInverse.GetTranslation(); } ///< In use.
 
     // Derived
     cVec3 Forward, Right, Up;

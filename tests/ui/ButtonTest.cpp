@@ -77,6 +77,40 @@ TEST_F(Buttons, PressCycle) {
     }
 }
 
+TEST_F(Buttons, HeldKeysAreNobodyElses) {
+    cButton* button = NewButton();
+    for (const int code : {int(cInput::Enter), int(cInput::ButtonA)}) {
+        Root->Focus = button;
+        Down(code);
+        for (int i = 0; i < 20; i++) {
+            Frame(100); // the key repeats
+        }
+        Press(cInput::Tab);
+        EXPECT_EQ(Root->TakeMessages(), "");
+        Up(code);
+        EXPECT_EQ(Root->TakeMessages(), "0 ");
+    }
+    Root->Focus = nullptr;
+    Down(cInput::ButtonA);
+    Root->Focus = button; // what the press has brought up
+    Frame(1000);
+    Up(cInput::ButtonA);
+    EXPECT_EQ(Root->TakeMessages(), "");
+}
+
+TEST_F(Buttons, FocusFollowsTheMouseOnceItMoves) {
+    UiRoot* root = NewRoot(&Fragile);
+    auto* a = Add(root, new cButton(root, "A", 10, -10, cRect::LeftTop, true, true));
+    auto* b = Add(root, new cButton(root, "B", 10, -80, cRect::LeftTop, true, true));
+    MoveTo(a->m_BaseBounds.Center().x, a->m_BaseBounds.Center().y);
+    EXPECT_EQ(root->Focus, a);
+    root->Focus = b; // by the keys
+    Frame();
+    EXPECT_EQ(root->Focus, b);
+    MoveTo(s_Mouse.Position.x + 1, s_Mouse.Position.y);
+    EXPECT_EQ(root->Focus, a);
+}
+
 TEST_F(Buttons, SizesAndTips) {
     EXPECT_EQ(NewButton("Apply")->m_ValueRect, cRect(110, 367, 185, 390));
     EXPECT_EQ(NewButton("Apply to everything")->m_ValueRect, cRect(110, 367, 110 + 19 * 6 + 10, 390));

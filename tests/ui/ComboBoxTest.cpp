@@ -75,7 +75,7 @@ TEST_F(Combo, OpensAndChooses) {
                 "+Enter -Enter = 1 open; Enter Down +Enter = 1 open; Enter Down Enter = 2; Space Up Space = 0; "
                 "(A) Up (A) = 0; +Enter Row2 Mouse = 2; Enter Up Tab = 0; Enter Down Down Down Enter = 2; "
                 "Enter Up Up Up Enter = 0; Enter Row0 Down Enter = 1; Enter A Left Right PageDown Start = 1 open; "
-                "Right = 2; Left Left = 0; Enter Esc Enter = 1 open",
+                "Right = 2; Left Left = 0; Enter Esc Enter = 1 open; Enter LeftThumbDown Enter = 2; RightThumbLeft = 0",
                 &rows, ";");
     for (const UiTheme* theme : {&Classic, &Fragile}) {
         for (const cStr& text : rows) {
@@ -111,6 +111,7 @@ TEST_F(Combo, WhoCaptures) {
     } rows[] = {{&Classic, cInput::LeftButton, false},
                 {&Fragile, cInput::LeftButton, true},
                 {&Classic, cInput::Enter, true},
+                {&Classic, cInput::ButtonA, true},
                 {&Fragile, cInput::Space, true}};
     for (const auto& row : rows) {
         Box(*row.Theme, 3);
@@ -126,7 +127,9 @@ TEST_F(Combo, WhoCaptures) {
         Do("Row2");
         EXPECT_EQ(List()->m_CurSel, 2);
         EXPECT_EQ(row.Theme->Find(cTheme::Parts::DropDown)->SelStart, 2);
+        Frame(600); // a key repeats
         Up(row.Code);
+        EXPECT_EQ(List() != nullptr, row.Code != cInput::LeftButton) << "the key that has opened it does not choose";
         cWidgets::FreeWidget(Root, false);
     }
 }

@@ -55,8 +55,6 @@ protected:
                 Type(key.c_str() + 1);
             } else if (key == "Wheel") {
                 Wheel(1);
-            } else if (code >= cInput::LeftThumbUp && code <= cInput::RightThumbRight) {
-                E->OnChar(-1, code); // of a stick, which the rows hold by hand
             } else {
                 ASSERT_NE(code, -1) << key;
                 Press(code);

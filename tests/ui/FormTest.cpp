@@ -251,4 +251,79 @@ TEST_F(Form, Tabbing) {
     EXPECT_FALSE(form->OnChar(-1, cInput::Tab)) << "not active";
 }
 
+// What is opened before the first frame comes out where it was asked to be.
+TEST_F(Form, OpensInOneFrame) {
+    auto* parent = new TestForm(nullptr, {0, 0, 640, 480}, &Classic);
+    cWidgets::AddWidget(parent, 3);
+    parent->m_FitWidth = true;
+    auto* panel = new cPanel(parent, "", 0, 0, true, true);
+    parent->AddChild(panel);
+    for (int i = 0; i < 13; i++) {
+        panel->AddChild(new Stop(panel));
+    }
+    const cRect wanted(110, 150, 380, 370);
+    auto* child = new TestForm(parent, wanted, nullptr);
+    parent->AddChild(child);
+    auto* folded = new TestForm(parent, wanted, nullptr);
+    parent->AddChild(folded);
+    folded->Minimize(); // ahead of its base
+    for (int i = 0; i < 3; i++) {
+        Frame();
+        EXPECT_EQ(child->m_Bounds, wanted);
+    }
+    folded->Minimize();
+    EXPECT_EQ(folded->m_Bounds, wanted);
+
+    Resize(0, 0);
+    TestForm* hidden = New({50, 50, 400, 350});
+    hidden->Maximize();
+    Frame();
+    Resize(640, 480);
+    EXPECT_EQ(hidden->m_Bounds, cRect(-4, -4, 644, 484));
+    hidden->Maximize();
+    EXPECT_EQ(hidden->m_Bounds, cRect(50, 50, 400, 350));
+}
+
+TEST_F(Form, ChildFormsHaveTheirOwnTabs) {
+    TestForm* parent = New({0, 0, 640, 480});
+    Stop* a = Add(parent, new Stop(parent));
+    auto* child = new TestForm(nullptr, {20, 20, 300, 300}, &Classic); // a root form at first
+    EXPECT_EQ(cForm::s_Forms.Count(), 2);
+    parent->AddChild(child);
+    EXPECT_EQ(cForm::s_Forms.Count(), 1);
+    Stop* inner = Add(child, new Stop(child));
+    Stop* other = Add(child, new Stop(child, -30));
+    Stop* b = Add(parent, new Stop(parent, -30));
+    parent->Activate();
+    for (const Stop* next : {a, b, a}) {
+        Press(cInput::Tab);
+        EXPECT_EQ(parent->m_Focus, next);
+    }
+    child->Activate();
+    for (const Stop* next : {inner, other, inner}) {
+        parent->GoTab(true); // as the edits do
+        EXPECT_EQ(child->m_Focus, next);
+    }
+    EXPECT_EQ(parent->m_Focus, a);
+}
+
+TEST_F(Form, ScrollsByTwoTabsOfOneFrame) {
+    TestForm* form = New({0, 0, 240, 240});
+    auto* bar = new cToolBar(form, true, true);
+    form->SetToolBar(bar);
+    for (int i = 0; i < 5; i++) {
+        bar->AddChild(new Stop(bar));
+    }
+    Frame();
+    Frame();
+    for (int i = 0; i < 4; i++) {
+        form->GoTab(true);
+    }
+    const float at = bar->m_Scroll;
+    EXPECT_LT(at, 0);
+    Frame();
+    form->ScrollToFocusedControl();
+    EXPECT_EQ(bar->m_Scroll, at);
+}
+
 } // namespace

@@ -184,8 +184,40 @@ TEST_F(Manipulators, RingsTurnByTheAngleOfTheHand) {
             for (int i = 0; i < 3; i++) {
                 ExpectNear(cVec3(i == 0, i == 1, i == 2) * turned, cVec3(i == 0, i == 1, i == 2) * expected, 0.02f);
             }
-            MoveTo(Pos + from * tool->Radius);
-            ExpectNear({Angles.x, Angles.y, Angles.z}, cVec3::Zero, 0.2f);
+            Set(cInput::LeftButton, false);
+            cWidgets::FreeWidget(tool, false);
+        }
+    }
+}
+
+// Seen from its pole a ring is the sphere's outline.
+TEST_F(Manipulators, RingsThatFaceTheEye) {
+    for (const bool isOrtho : {false, true}) {
+        for (const float mirror : {1.0f, -1.0f}) {
+            SCOPED_TRACE(testing::Message() << isOrtho << mirror);
+            LookFrom({0, 0, 10});
+            Viewer.IsOrtho = isOrtho;
+            Viewer.OrthoScale = 60;
+            Viewer.Update(false);
+            Angles = {0, 0, 0};
+            Pos = cVec3::Zero;
+            auto* tool = Add(new cRotateTool(&Angles, &Pos, cSpace::World));
+            tool->SetParent(cMat4::Scaling(mirror, 1, 1));
+            const auto at = [&](float degrees) {
+                float s, c;
+                cMath::SinCos(degrees, &s, &c);
+                return cVec3(c, s, 0) * tool->Radius;
+            };
+            for (float degrees = 15; degrees < 360; degrees += 30) {
+                MoveTo(at(degrees));
+                EXPECT_EQ(tool->HotMode, Mode::Z) << degrees;
+            }
+            MoveTo(at(30));
+            Set(cInput::LeftButton, true);
+            MoveTo(at(120));
+            EXPECT_NEAR(Angles.z, 90 * mirror, 0.5f);
+            MoveTo(at(210));
+            EXPECT_NEAR(std::fabs(Angles.z), 180, 0.5f);
             Set(cInput::LeftButton, false);
             cWidgets::FreeWidget(tool, false);
         }
@@ -233,6 +265,9 @@ TEST_F(Manipulators, ScalesByTheDistance) {
     auto* tool = Add(new cScaleTool(&Scale, &Angles, &Pos));
     Drag(Pos, Pos + Viewer.Right * tool->Axes[0].length);
     ExpectNear(Scale, {2, 4, 0.1f}, 0.02f); // all by two; none below the least
+    MoveTo(tool->Axes[1].GetPoint(0.01f));  // too near to the centre to tell a ratio
+    tool->ContinueMode(Mode::Y);
+    EXPECT_EQ(tool->CurMode, Mode::None);
     g_ManipulatorsSnap = 0.5f;
     Scale = {1, 2, 3};
     Drag(tool->Axes[1].GetPoint(0.6f), tool->Axes[1].GetPoint(0.97f));
@@ -240,13 +275,25 @@ TEST_F(Manipulators, ScalesByTheDistance) {
 }
 
 TEST_F(Manipulators, WhereNoRayTellsTheValueStays) {
-    LookFrom({12, 0.0f, 0}); // along X, at it
+    LookFrom({0, 1, 10});
+    Viewer.Orient = cQuat::Identity; // along -Z
+    Viewer.Update(false);
     Pos = cVec3::Zero;
     auto* tool = Add(new cMoveTool(&Pos));
-    MoveTo({0, tool->Radius * 3, 0});
-    tool->ContinueMode(Mode::X);
-    MoveTo(cVec3::Zero);
-    ExpectNear(Pos, cVec3::Zero, 1e-6f);
+    MoveTo(tool->Axes[2].GetPoint(0.9f));
+    Set(cInput::LeftButton, true);
+    ASSERT_EQ(tool->CurMode, Mode::Z);
+    float last = 0;
+    for (const float y : {380.0f, 395.0f, 399.0f, 400.0f, 400.5f, 420.0f, 700.0f}) { // the axis vanishes at 400
+        s_Mouse.Position.y = y;
+        Frame();
+        EXPECT_LE(Pos.z, last) << y;
+        last = Pos.z;
+    }
+    EXPECT_LT(last, -100);
+    Set(cInput::LeftButton, false);
+    Pos = cVec3::Zero;
+    LookFrom({12, 1, 0});
 
     const cVec3 before = Pos;
     const auto drag = [&] {
@@ -261,11 +308,15 @@ TEST_F(Manipulators, WhereNoRayTellsTheValueStays) {
     Viewer.Update(false);
     EXPECT_FALSE(tool->CalcFrame());
     LookFrom({12, 1, 0});
-    Viewer.Viewport = {0, 0, 0, 0};
-    Viewer.Update(false);
-    Set(cInput::LeftButton, true);
-    Set(cInput::LeftButton, false);
-    EXPECT_TRUE(std::isfinite(Pos.x) && std::isfinite(Pos.y) && std::isfinite(Pos.z));
+    ASSERT_TRUE(tool->CalcFrame());
+    MoveTo(tool->Axes[1].GetPoint(0.7f));
+    EXPECT_TRUE(tool->IsHot(false));
+    for (const cRect& viewport : {cRect(0, 0, 0, 0), cRect(900, 0, 1000, 50)}) { // a form that is folded, or elsewhere
+        Viewer.Viewport = viewport;
+        Viewer.Update(false);
+        EXPECT_FALSE(tool->IsHot(false));
+        EXPECT_FALSE(tool->OnButtonDown(cInput::LeftButton));
+    }
     cRender::SetViewer(nullptr);
     EXPECT_FALSE(tool->CalcFrame());
     EXPECT_FALSE(tool->OnButtonDown(cInput::LeftButton));
@@ -282,6 +333,7 @@ TEST_F(Manipulators, TheMiddleButtonGoesOn) {
     EXPECT_EQ(g_RepeatManipulator.Mode, Mode::Y);
     const cVec3 start = Pos;
     MoveTo({4, -3, 0}); // anywhere
+    EXPECT_FALSE(other->OnButtonDown(cInput::MiddleButton));
     EXPECT_EQ(tool->HotMode, Mode::None);
     Set(cInput::MiddleButton, true);
     EXPECT_TRUE(cWidgets::IsCaptured(tool));
@@ -359,6 +411,10 @@ TEST_F(Manipulators, ObjectsOwnTheirTools) {
     Drag(from, from + cVec3(1.5f, 0, 0));
     ExpectNear(transform.Translate, {1.5f, 0, 0});
     cWidgets::Render(-1);
-    transform.FreeTools();
+    MoveTo(tool->Axes[0].GetPoint(0.7f));
+    Set(cInput::LeftButton, true);
+    transform.FreeTools(); // in the middle of a drag
+    EXPECT_FALSE(cWidgets::IsCaptured());
+    MoveTo(from);
     EXPECT_EQ(tools(), 0);
 }
