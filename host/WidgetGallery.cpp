@@ -62,13 +62,13 @@ void WidgetGallery::Open(const cTheme* theme, const cVec2& screen, int texture) 
         return form;
     };
 
-    cForm* notes = formAt("Notes", 540, 60, 270, 220);
+    cForm* notes = formAt("Notes", 600, 60, 250, 220);
     auto* row = new cLabel(notes, &Info, "State", 60, -16, cRect::LeftTop, true, true);
     notes->AddChild(row);
     notes->AddChild(new cEdit(notes, &Name, "Name", 60, -50 * unit, cRect::LeftTop, true, true));
     notes->AddChild(new cButton(notes, "Far away", 300 * unit, -300 * unit, cRect::LeftTop, true, true));
 
-    cForm* form = formAt("Controls", 20, 50, 500, 600);
+    cForm* form = formAt("Controls", 20, 50, 560, 600);
     form->m_FitWidth = true;
     FillToolBar(form);
     cPanel* root = AddPanel(form, "", true);

@@ -12,6 +12,8 @@
 #include "view/cViewer.h"
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <random>
 
 using namespace trellis;
@@ -271,6 +273,49 @@ TEST_F(Gallery, BearsAnything) {
         cWidgets::Render(-1);
         const std::string broken = Broken(Widgets());
         ASSERT_EQ(broken, "") << "in frame " << frame;
+    }
+}
+
+// The pictures' script finds all that it points to, in both themes.
+TEST_F(Gallery, PlaysItsScript) {
+    std::ifstream file(TRELLIS_SCRIPTS "/widgets.txt", std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    for (const cTheme* theme : {static_cast<const cTheme*>(&Classic), static_cast<const cTheme*>(&Fragile)}) {
+        cWidgets::FreeAll();
+        WidgetGallery gallery;
+        InputScript script;
+        std::string error, saved;
+        ASSERT_TRUE(script.Parse(text, &error)) << error;
+        const InputScript::Listener listener{
+            [&](int width, int height) {
+                Viewer.Viewport = {0, 0, float(width), float(height)};
+                Viewer.Update(false);
+                if (cForm::s_Forms.Count() == 0) {
+                    gallery.Open(theme, Viewer.Viewport.Size(), -1);
+                }
+            },
+            [&](const std::string& name, cVec2* position) { return gallery.Find(name, position); },
+            [&](const std::string& name) {
+                saved += name + " ";
+                return true;
+            },
+        };
+        EXPECT_TRUE(script.Play(
+            listener,
+            [&] {
+                Clock.Advance(16'666);
+                cTimer::Acquire();
+                cWidgets::HandleInputEvents();
+                cWidgets::Render(-1);
+            },
+            &error))
+            << error;
+        EXPECT_EQ(saved, "start selection typed slider scrolled panel list dragged sized docked minimised maximised ");
+        EXPECT_EQ(gallery.Mass, 12.75f);
+        EXPECT_GT(gallery.Gain, 0.6f);
+        EXPECT_EQ(gallery.Mode, 3);
+        EXPECT_EQ(cForm::s_Forms[cForm::s_Forms.Count() - 1]->m_State, cForm::Maximized);
+        cWidgets::FreeAll();
     }
 }
 

@@ -1,0 +1,291 @@
+// Shows a model on the ground grid through the software device, plays a script of input, and saves pictures of it.
+//
+//     scene_view DATA MODEL SCRIPT FOLDER      DATA holds Fonts/; MODEL is a file that cIO can load
+//
+// The script is that of InputScript.h; FOLDER receives NAME.bmp for each of its pictures. Keys: 0 to 4 choose the
+// handles (none, move, rotate, scale, all), L their axes, S snapping, F frames the model, V shows its box. The script
+// points to handles as move/x, rotate/y, scale/free and so on.
+#include "files/SourceFolder.h"
+#include "files/cIO.h"
+#include "foundation/cTimer.h"
+#include "host/InputScript.h"
+#include "host/cSoftwareDevice.h"
+#include "host/cSoftwareShader.h"
+#include "image/cImage.h"
+#include "mesh/cModel.h"
+#include "render/cRender.h"
+#include "tests/foundation/FakeClock.h"
+#include "ui/cWidgets.h"
+#include "view/cFreeViewer.h"
+#include "view/cMoveTool.h"
+#include "view/cRotateTool.h"
+#include "view/cScaleTool.h"
+#include "view/cTransform.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+using namespace trellis;
+
+namespace {
+
+/// Daylight by the vertex: a sun, and a sky that is brighter above.
+class Daylight : public cSoftwareShader {
+public:
+    explicit Daylight(const Layout& layout)
+        : cSoftwareShader(1, PixelStage::Color), m_Size(layout.Size),
+          m_Pos(layout.OffsetOf("Pos", cVertexType::Float, 3)),
+          m_Normal(layout.OffsetOf("Normal", cVertexType::Float, 3)) {
+        Declare("g_WorldViewProjectionMatrix", &m_Matrix);
+        Declare("g_NormalMatrix", &m_NormalMatrix);
+        Declare("c_Color", &m_Color);
+    }
+    static std::unique_ptr<cSoftwareShader> Make(const Layout& layout, const char*) {
+        auto shader = std::make_unique<Daylight>(layout);
+        return shader->m_Pos >= 0 && shader->m_Normal >= 0 ? std::move(shader) : nullptr;
+    }
+
+    void Vertices(const unsigned char* vertices, int count, Vertex* out) const override {
+        const cVec3 sun = cVec3::Normalize({0.5f, 0.8f, 0.6f});
+        for (int i = 0; i < count; i++, vertices += m_Size) {
+            cVec3 pos, normal;
+            std::memcpy(&pos, vertices + m_Pos, sizeof pos);
+            std::memcpy(&normal, vertices + m_Normal, sizeof normal);
+            normal = cVec3::Normalize(normal * m_NormalMatrix);
+            const float light = 0.35f + 0.15f * normal.y + 0.6f * std::max(cVec3::Dot(normal, sun), 0.0f);
+            out[i].Clip = cVec4(pos, 1) * m_Matrix;
+            out[i].Varyings[0] = cVec4(std::min(m_Color.x * light, 1.0f), std::min(m_Color.y * light, 1.0f),
+                                       std::min(m_Color.z * light, 1.0f), 1);
+        }
+    }
+
+private:
+    int m_Size, m_Pos, m_Normal;
+    cMat4 m_Matrix = cMat4::Identity;
+    cMat3 m_NormalMatrix = cMat3::Identity;
+    cVec4 m_Color{1, 1, 1, 1};
+};
+
+constexpr struct {
+    const char* Name;
+    cColor Color;
+} s_Materials[] = {
+    {"white", {0.92f, 0.9f, 0.86f, 1}}, {"red", {0.75f, 0.16f, 0.12f, 1}},   {"iron", {0.25f, 0.27f, 0.3f, 1}},
+    {"rock", {0.45f, 0.42f, 0.38f, 1}}, {"glass", {0.98f, 0.86f, 0.45f, 1}},
+};
+
+cColor ColorOf(const cStr& material) {
+    for (const auto& m : s_Materials) {
+        if (std::strcmp(material, m.Name) == 0) {
+            return m.Color;
+        }
+    }
+    return {0.7f, 0.7f, 0.72f, 1};
+}
+
+/// What stands in the world; behind the handles, in front of the viewer.
+class Scene : public cWidget {
+public:
+    explicit Scene(cFreeViewer* viewer) : m_Viewer(viewer) {}
+
+    bool Load(const char* path) {
+        if (!cIO::LoadModel(path, &m_Model) || m_Model.GetTriangleCount() == 0) {
+            return false;
+        }
+        m_Model.UpdateBounds();
+        m_Model.CreateRenderBuffers();
+        return true;
+    }
+    void Free() { m_Model.Free(); }
+
+    cMat4 World() const {
+        const cVec3& t = Transform.Translate;
+        return cMat4::Scaling(Transform.Scale) * Transform.Rotate.ToMat4() * cMat4::Translation(t.x, t.y, t.z);
+    }
+
+    bool OnButtonDown(int code) override {
+        if (code >= cInput::Key0 && code <= cInput::Key4) {
+            g_ManipulatorsType = code - cInput::Key0;
+            Transform.CreateTools();
+            return true;
+        }
+        switch (code) {
+        case cInput::F:
+            m_Viewer->Frame(m_Model.Bounds, World(), cRect::Empty);
+            return true;
+        case cInput::L:
+            g_ManipulatorsLocal = g_ManipulatorsLocal == cSpace::World ? cSpace::Local : cSpace::World;
+            Transform.CreateTools();
+            return true;
+        case cInput::S:
+            g_ManipulatorsSnap = g_ManipulatorsSnap > 0 ? 0.0f : 0.5f;
+            return true;
+        case cInput::V:
+            m_ShowBounds = !m_ShowBounds;
+            return true;
+        }
+        return false;
+    }
+
+    void OnRender() override {
+        static const int s_Depth = cRender::GetDepthStateID(true, true, cDepthFunc::LessEqual);
+        static const int s_Shader = cRender::GetShaderID("Daylight", cVertex::Bump::FormatID);
+        static const int s_Color = cRender::GetShaderConstID(s_Shader, "c_Color");
+        cRender::SetDepthState(s_Depth);
+        cRender::SetBlendState(-1);
+        cRender::SetCullMode(cCullMode::None);
+        cRender::SetWorldMatrix(cMat4::Identity);
+        cRender::GridArgs grid;
+        grid.Height = 12;
+        cRender::DrawGrid(grid);
+
+        cRender::SetWorldMatrix(World());
+        for (int i = 0; i < m_Model.Meshes.Count(); i++) {
+            cRender::SetShader(s_Shader);
+            cRender::SetShaderConst(s_Color, ColorOf(m_Model.Meshes[i].MaterialName));
+            cRender::ApplyTransforms();
+            m_Model.Draw(i);
+        }
+        if (m_ShowBounds) {
+            cRender::DrawBounds(m_Model.Bounds, cColor::Orange);
+            const cVec3 low = m_Model.Bounds.min, high = m_Model.Bounds.max;
+            cRender::DrawSphereWire((low + high) * 0.5f, (high - low).Length() * 0.5f, cColor(0.5f, 0.7f, 0.9f, 1));
+        }
+        cRender::SetWorldMatrix(cMat4::Scaling(2, 2, 2) * cMat4::RotationY(45) * cMat4::Translation(-9, 1, -9));
+        cRender::DrawCamera(cColor::DarkSlateGray);
+        cRender::SetWorldMatrix(cMat4::Identity);
+        Transform.OnProcess();
+    }
+
+    cTransform Transform;
+
+private:
+    cFreeViewer* m_Viewer;
+    cModel m_Model;
+    bool m_ShowBounds = false;
+};
+
+/// Where to take hold of a handle of that kind, in the world.
+bool HandleOf(const cManipulator& tool, const std::string& handle, cVec3* position) {
+    const bool isRing = dynamic_cast<const cRotateTool*>(&tool);
+    if (handle == "free") {
+        const cViewer& v = *cRender::GetViewer();
+        const cVec3 aside = (v.Right + v.Up) * -0.5f;
+        *position = isRing ? tool.Center + cVec3::Normalize(tool.Plane.normal + aside) * tool.Radius
+                           : tool.Center + aside * (tool.HasFreeInner ? 2 * tool.Radius : tool.Radius * 0.5f);
+        return true;
+    }
+    const int axis = handle == "x" ? 0 : handle == "y" ? 1 : handle == "z" ? 2 : -1;
+    if (axis == -1) {
+        return false;
+    }
+    const cSeg& along = tool.Axes[axis];
+    const cVec3& n = tool.Plane.normal; // a ring is taken where it is nearest
+    *position = isRing
+                    ? tool.Center + cVec3::Normalize(n - along.direction * cVec3::Dot(n, along.direction)) * tool.Radius
+                    : along.GetPoint(0.8f);
+    return true;
+}
+
+class Program {
+public:
+    bool Play(const char* modelPn, const char* scriptPn, const std::string& folder, std::string* error) {
+        std::ifstream file(scriptPn, std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        InputScript script;
+        if (!file || !script.Parse(text, error)) {
+            *error = error->empty() ? "no such script" : *error;
+            return false;
+        }
+        if (!m_Scene->Load(modelPn)) {
+            *error = "no such model";
+            return false;
+        }
+        cWidgets::AddWidget(m_Viewer, 0);
+        cWidgets::AddWidget(m_Scene, 0);
+        cRender::SetViewer(m_Viewer);
+        const InputScript::Listener listener{
+            [this](int width, int height) {
+                s_Device->SetSize(width, height);
+                m_Viewer->Viewport = {0, 0, float(width), float(height)};
+                m_Viewer->Update();
+            },
+            [this](const std::string& name, cVec2* position) { return Find(name, position); },
+            [&](const std::string& name) {
+                cImage picture;
+                cRender::ScreenShot(&picture);
+                return cIO::SaveImage((folder + "/" + name + ".bmp").c_str(), picture);
+            },
+        };
+        const bool ok = script.Play(
+            listener, [this] { Frame(); }, error);
+        m_Scene->Transform.FreeTools();
+        m_Scene->Free();
+        cRender::SetViewer(nullptr);
+        cWidgets::FreeAll();
+        return ok;
+    }
+
+    static inline cSoftwareDevice* s_Device = nullptr; // the front end's
+
+private:
+    bool Find(const std::string& name, cVec2* position) const {
+        const std::string kind = name.substr(0, name.find('/')), handle = name.substr(name.find('/') + 1);
+        for (cWidget* widget : cWidgets::GetLayer(cManipulator::Layer)) {
+            auto* tool = widget ? dynamic_cast<cManipulator*>(widget) : nullptr;
+            const char* its = dynamic_cast<cMoveTool*>(widget)     ? "move"
+                              : dynamic_cast<cRotateTool*>(widget) ? "rotate"
+                                                                   : "scale";
+            cVec3 world;
+            if (tool && kind == its && tool->CalcFrame() && HandleOf(*tool, handle, &world)) {
+                m_Viewer->WorldToClosestScreenPoint(world, position);
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void Frame() {
+        m_Clock.Advance(1'000'000 / 60);
+        cTimer::Acquire();
+        cWidgets::HandleInputEvents();
+        cRender::BeginFrame();
+        cRender::Clear(true, true, cColor(0.62f, 0.68f, 0.74f), 1);
+        cRender::SetViewer(m_Viewer);
+        for (int layer = 0; layer < cWidgets::LayerCount; layer++) {
+            cWidgets::Render(layer);
+        }
+        cRender::EndFrame();
+    }
+
+    cFakeClock m_Clock;
+    cFreeViewer* m_Viewer = new cFreeViewer; // the manager's
+    Scene* m_Scene = new Scene(m_Viewer);
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 5) {
+        std::fprintf(stderr, "usage: scene_view DATA MODEL SCRIPT FOLDER\n");
+        return 2;
+    }
+    const auto absolute = [](const char* path) { return std::filesystem::absolute(path).string(); };
+    static_cast<SourceFolder*>(cIO::GetSourcesMutable()[0])->SetPath(absolute(argv[1]).c_str());
+    cSoftwareShader::Register("Daylight", Daylight::Make);
+    cRender::SetFactory([](int) -> cRender::Stub* { return Program::s_Device = new cSoftwareDevice(640, 480); });
+    if (!cRender::Init(0)) {
+        return 1;
+    }
+    std::string error;
+    const bool ok = Program().Play(absolute(argv[2]).c_str(), argv[3], absolute(argv[4]), &error);
+    if (!ok) {
+        std::fprintf(stderr, "scene_view: %s\n", error.c_str());
+    }
+    cRender::Free();
+    return ok ? 0 : 1;
+}
