@@ -267,10 +267,6 @@ public:
     static void FillCircleSolid(float x, float y, float radius, const cColor& color);
     static void FillCircleSolid(int x, int y, int radius, const cColor& color);
     static void FillCircleSolid(const cVec3& center, float radius, const cColor& color); ///< In the world, to the eye.
-    /// Circles of the format `PositionOnly` in the world, all with one normal of unit length.
-    static void FillCirclesCurShader(const cVec3* centers, const float* radii, int count, const cVec3& normal,
-                                     int segments);
-
     /// Colours by the distance d from a segment, from `center` at `segRadius` to `bound` at `gradRadius`: the mixture
     /// is ((d - segRadius) / (gradRadius - segRadius)) ^ power. Beyond `gradRadius` there is nothing.
     ///
@@ -298,13 +294,14 @@ public:
 
     // ---- Shapes in the world, for editing and for a look at what goes on, under the world matrix. Depth test,
     // blending and culling are the caller's; the colour is the vertices'. A `...CurShader` leaves the shader to the
-    // caller too, and draws `PositionColored`, where nothing else is said. Counts of segments are taken into [3, 256].
+    // caller too, and draws `PositionColored`. Counts of segments are taken into [3, 256], of latitudes into [1, 256].
     static void DrawCrossHair(const cVec3& at, float size, const cColor& color); ///< Three lines of that length.
     static void DrawCubeWire(const cVec3& center, float size, const cColor& color);
     static void DrawCubeSolid(const cVec3& center, float size, const cColor& color);
     static void DrawCubeSolid(const cVec3& center, float size, const cColor& color, const cQuat& orient);
-    static void DrawCubesCurShader(const cVec3* centers, const float* sizes, int count); ///< `PositionOnly`, one draw.
-    static void DrawBounds(const cBounds& bounds, const cColor& color);                  ///< Nothing for an empty box.
+    static void DrawCubesCurShader(const cVec3* centers, const float* sizes, int count,
+                                   const cColor& color = cColor::White); ///< In one draw.
+    static void DrawBounds(const cBounds& bounds, const cColor& color);  ///< Nothing for an empty box.
     /// In points of the interface. @param from, to  degrees from the X axis, counterclockwise
     static void DrawCircle(const cVec2& center, float radius, float from, float to, const cColor& color, int segments);
     /// @param normal  of any length; null: the Y axis, a circle on the ground
@@ -322,7 +319,8 @@ public:
     /// Its end circles and sides. @param sides  lines along it
     static void DrawConeWire(const cVec3& apex, const cVec3& base, float apexRadius, float baseRadius,
                              const cColor& color, int segments, int sides = 8);
-    /// A pie slice, the short way from one direction to the other. Of opposite directions it has no plane: nothing.
+    /// A pie slice, the short way from one direction to the other. Of directions that are equal or opposite it has no
+    /// plane: nothing.
     ///
     /// @param from, to  of any length
     static void DrawSector(const cVec3& center, float radius, const cVec3& from, const cVec3& to, const cColor& color,
@@ -330,6 +328,8 @@ public:
     static void DrawFrustumWire(const cFrustum& frustum, const cColor& color);
     static void DrawFrustumWireCurShader(const cFrustum& frustum, const cColor& color = cColor::White);
     static void DrawFrustumSolidCurShader(const cFrustum& frustum, const cColor& color = cColor::White);
+    static void FillCirclesCurShader(const cVec3* centers, const float* radii, int count, const cVec3& normal,
+                                     int segments); ///< Discs of one normal, white, in one draw.
     static void DrawBillboardQuadsSolid(const cVec3* centers, int count, float size, const cColor& color);
     static void DrawCamera(const cColor& color); ///< Looking along -Z from the origin, one unit long.
 

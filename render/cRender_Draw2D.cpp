@@ -366,31 +366,4 @@ void cRender::FillCircleSolid(const cVec3& center, float radius, const cColor& c
             color.ToDword(), 0, 360, CircleSegments);
 }
 
-void cRender::FillCirclesCurShader(const cVec3* centers, const float* radii, int count, const cVec3& normal,
-                                   int segments) {
-    static constinit cImmortal<cList<cVertex::PositionOnly>> s_Store;
-    if (count < 1 || segments < 1) {
-        return;
-    }
-    segments = std::min(segments, MaxSegments);
-    cVec3 right, up;
-    normal.ToPerps(right, up);
-    cList<cVertex::PositionOnly>& vertices = s_Store.Value;
-    vertices.Clear();
-    s_Indices.Clear();
-    for (int i = 0; i < count; i++) {
-        const int first = vertices.Add({centers[i]});
-        for (int k = 0; k < segments; k++) {
-            float s, c;
-            cMath::SinCos(360.0f * float(k) / float(segments), &s, &c);
-            vertices.Add({centers[i] + (right * c + up * s) * radii[i]});
-            const int triangle[3] = {first, first + 1 + k, first + 1 + (k + 1) % segments};
-            s_Indices.AddRange(triangle, 3);
-        }
-    }
-    SetDepthState(-1);
-    SetCullMode(cCullMode::None);
-    DrawIndexed(cTopology::TriangleList, vertices.Data(), vertices.Count(), s_Indices.Data(), s_Indices.Count(), 4);
-}
-
 } // namespace trellis

@@ -1,4 +1,4 @@
-// Shapes in the world. Each is one draw of the device, from lists that are kept from call to call.
+// Shapes in the world. Each but the camera is one draw of the device, from lists that are kept from call to call.
 #include "foundation/cImmortal.h"
 #include "math/cBounds.h"
 #include "math/cFrustum.h"
@@ -50,19 +50,33 @@ void DrawLists(cTopology::Enum topology) {
     s_Indices.Clear();
 }
 
-// Points of the unit circle, the first one again at the end; made anew only for another number of segments.
-constinit cImmortal<cList<cVec2>> cRender_CircleStore;
-constinit cList<cVec2>& cRender_CircleVB = cRender_CircleStore.Value;
+// Points of the unit circle, the first one again at the end, and the triangles of its disc, whose middle is vertex 0
+// and whose rim follows; made anew only for another number of segments.
+constinit cImmortal<cList<cVec2>> s_CircleVertexStore;
+constinit cImmortal<cList<int>> s_CircleIndexStore;
+constinit cList<cVec2>& cRender_CircleVB = s_CircleVertexStore.Value;
+constinit cList<int>& cRender_CircleIB = s_CircleIndexStore.Value;
 
 const cVec2* UnitCircle(int segments) {
     if (cRender_CircleVB.Count() != segments + 1) {
         cRender_CircleVB.SetCount(segments + 1);
+        cRender_CircleIB.Clear();
         for (int i = 0; i <= segments; i++) {
             cMath::SinCos(360.0f * float(i % segments) / float(segments), &cRender_CircleVB[i].y,
                           &cRender_CircleVB[i].x);
         }
+        for (int i = 0; i < segments; i++) {
+            const int triangle[3] = {0, 1 + i, 1 + (i + 1) % segments};
+            cRender_CircleIB.AddRange(triangle, 3);
+        }
     }
     return cRender_CircleVB.Data();
+}
+
+/// Of unit length, also where the square is no float.
+cVec3 Unit(const cVec3& v, const cVec3& otherwise) {
+    const float most = std::max({std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)});
+    return most > 0 && std::isfinite(most) ? cVec3::Normalize(v / most) : otherwise;
 }
 
 void AddCircle(const cVec3& center, const cVec3& right, const cVec3& up, unsigned int color, int segments) {
@@ -81,11 +95,11 @@ void DrawCircleAround(const cVec3& center, float radius, const cVec3& normal, co
 }
 
 /// The eight corners, numbered as those of a frustum: the near face, counterclockwise, and then the far one.
-template <class V> void AddCorners(cList<V>* out, const cVec3& center, const cVec3 (&half)[3], const V& like) {
+void AddCorners(cList<Vertex>* out, const cVec3& center, const cVec3 (&half)[3], const Vertex& like) {
     constexpr int Signs[8][3] = {{-1, -1, 1},  {1, -1, 1},  {1, 1, 1},  {-1, 1, 1},
                                  {-1, -1, -1}, {1, -1, -1}, {1, 1, -1}, {-1, 1, -1}};
     for (const auto& sign : Signs) {
-        V v = like;
+        Vertex v = like;
         v.Pos = center + half[0] * float(sign[0]) + half[1] * float(sign[1]) + half[2] * float(sign[2]);
         out->Add(v);
     }
@@ -116,10 +130,7 @@ void DrawFrustum(const cFrustum& frustum, const cColor& color, cTopology::Enum t
 struct ConeFrame {
     cVec3 Right, Up;
 
-    ConeFrame(const cVec3& apex, const cVec3& base) {
-        const cVec3 axis = apex - base;
-        (axis.LengthSq() > 0 ? axis : cVec3::AxisY).ToPerps(Right, Up);
-    }
+    ConeFrame(const cVec3& apex, const cVec3& base) { Unit(apex - base, cVec3::AxisY).ToPerps(Right, Up); }
     cVec3 At(const cVec2& circle, float radius) const { return (Right * circle.x + Up * circle.y) * radius; }
 };
 
@@ -165,23 +176,20 @@ void cRender::DrawCubeSolid(const cVec3& center, float size, const cColor& color
     DrawLists(cTopology::TriangleList);
 }
 
-void cRender::DrawCubesCurShader(const cVec3* centers, const float* sizes, int count) {
-    static constinit cImmortal<cList<cVertex::PositionOnly>> s_Store;
-    cList<cVertex::PositionOnly>& vertices = s_Store.Value;
+void cRender::DrawCubesCurShader(const cVec3* centers, const float* sizes, int count, const cColor& color) {
     if (count < 1) {
         return;
     }
-    vertices.Clear();
+    const Vertex like{cVec3::Zero, color.ToDword()};
     for (int i = 0; i < count; i++) {
-        const int first = vertices.Count();
+        const int first = s_Vertices.Count();
         const float h = sizes[i] * 0.5f;
-        AddCorners(&vertices, centers[i], {{h, 0, 0}, {0, h, 0}, {0, 0, h}}, cVertex::PositionOnly());
+        AddCorners(&s_Vertices, centers[i], {{h, 0, 0}, {0, h, 0}, {0, 0, h}}, like);
         for (const int corner : cFrustum::Triangles) {
             s_Indices.Add(first + corner);
         }
     }
-    DrawIndexed(cTopology::TriangleList, vertices.Data(), vertices.Count(), s_Indices.Data(), s_Indices.Count(), 4);
-    s_Indices.Clear();
+    DrawLists(cTopology::TriangleList);
 }
 
 void cRender::DrawFrustumWire(const cFrustum& frustum, const cColor& color) {
@@ -213,13 +221,12 @@ void cRender::DrawCircle(const cVec2& center, float radius, float from, float to
 
 void cRender::DrawCircle(const cVec3& center, float radius, const cColor& color, const cVec3* normal) {
     constexpr int Segments = 64;
-    const bool isUsable = normal && normal->LengthSq() > 0;
-    DrawCircleAround(center, radius, isUsable ? *normal : cVec3::AxisY, color, Segments);
+    DrawCircleAround(center, radius, normal ? Unit(*normal, cVec3::AxisY) : cVec3::AxisY, color, Segments);
 }
 
 void cRender::DrawFacingCircle(const cVec3& center, float radius, const cVec3& toEye, const cColor& color,
                                int segments) {
-    DrawCircleAround(center, radius, toEye.LengthSq() > 0 ? toEye : cVec3::AxisZ, color, segments);
+    DrawCircleAround(center, radius, Unit(toEye, cVec3::AxisZ), color, segments);
 }
 
 void cRender::DrawSphereWire(const cVec3& center, float radius, const cColor& color) {
@@ -260,7 +267,7 @@ void cRender::DrawSphereWire(const cVec3& center, float radius, const cColor& co
             }
         }
     }
-    const cVec3 pole = axis.LengthSq() > 0 ? cVec3::Normalize(axis) : cVec3::AxisY;
+    const cVec3 pole = Unit(axis, cVec3::AxisY);
     cVec3 right, up;
     pole.ToPerps(right, up);
     const unsigned int packed = color.ToDword();
@@ -312,13 +319,13 @@ void cRender::DrawConeWire(const cVec3& apex, const cVec3& base, float apexRadiu
 
 void cRender::DrawSector(const cVec3& center, float radius, const cVec3& from, const cVec3& to, const cColor& color,
                          int segments) {
-    const cVec3 normal = cVec3::Cross(from, to);
+    const cVec3 right = Unit(from, cVec3::Zero), end = Unit(to, cVec3::Zero), normal = cVec3::Cross(right, end);
     if (!(normal.LengthSq() > 0)) {
         return;
     }
     segments = ClampSegments(segments);
-    const cVec3 right = cVec3::Normalize(from), up = cVec3::Normalize(cVec3::Cross(normal, from));
-    const float angle = std::atan2(cVec3::Dot(to, up), cVec3::Dot(to, right)) * cMath::DegsPerRad;
+    const cVec3 up = cVec3::Normalize(cVec3::Cross(normal, right));
+    const float angle = std::atan2(cVec3::Dot(end, up), cVec3::Dot(end, right)) * cMath::DegsPerRad;
     const unsigned int packed = color.ToDword();
     Add(center, packed);
     for (int i = 0; i <= segments; i++) {
@@ -331,6 +338,31 @@ void cRender::DrawSector(const cVec3& center, float radius, const cVec3& from, c
         }
     }
     SetColored();
+    DrawLists(cTopology::TriangleList);
+}
+
+void cRender::FillCirclesCurShader(const cVec3* centers, const float* radii, int count, const cVec3& normal,
+                                   int segments) {
+    if (count < 1 || segments < 1) {
+        return;
+    }
+    segments = ClampSegments(segments);
+    const cVec2* circle = UnitCircle(segments);
+    cVec3 right, up;
+    Unit(normal, cVec3::AxisZ).ToPerps(right, up);
+    const unsigned int white = cColor::White.ToDword();
+    for (int i = 0; i < count; i++) {
+        const int first = s_Vertices.Count();
+        Add(centers[i], white);
+        for (int k = 0; k < segments; k++) {
+            Add(centers[i] + (right * circle[k].x + up * circle[k].y) * radii[i], white);
+        }
+        for (const int index : cRender_CircleIB) {
+            s_Indices.Add(first + index);
+        }
+    }
+    SetDepthState(-1);
+    SetCullMode(cCullMode::None);
     DrawLists(cTopology::TriangleList);
 }
 
@@ -466,7 +498,8 @@ void cRender::DrawGrid(const GridArgs& args) {
         AddLine({0, 0, 0}, {0, args.Height, 0}, black);
     }
     if (args.ShowLines) {
-        const int n = int(std::min(std::floor(size / cell), MostLines));
+        const float whole = size / cell * 1.00001f; // 13 cells of 0.1 are 1.3
+        const int n = int(std::min(std::floor(whole), MostLines));
         for (int i = 1; i <= n; i++) {
             AddGridLines(size, float(i) * cell, cColor::DimGray.ToDword());
         }

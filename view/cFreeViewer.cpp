@@ -130,10 +130,12 @@ void cFreeViewer::LookAt(const cVec3& eye, const cVec3& target) {
 }
 
 void cFreeViewer::OverrideCenter(const cVec3& center) {
-    CalcAxes();
+    Update();
     const cVec3 toEye = Position - center;
     CenterOffset = {cVec3::Dot(toEye, Right), cVec3::Dot(toEye, Up)};
-    Distance = -cVec3::Dot(toEye, Forward);
+    if (!IsOrthoView) { // parallel rays have no distance
+        Distance = -cVec3::Dot(toEye, Forward);
+    }
     Center = center;
     HasOverrideCenter = true;
     Update();
@@ -177,10 +179,13 @@ void cFreeViewer::Transform(const cMat4& transform) {
 // corners together bound the eye along each of the four edges; the farthest back that any pair of edges asks for is
 // where the box just fits.
 void cFreeViewer::Frame(const cBounds& bounds, const cMat4& transform, const cRect& area) {
-    if (bounds.IsEmpty()) {
+    const cRect& room = area.Width() > 0 && area.Height() > 0 ? area : Viewport;
+    if (bounds.IsEmpty() || !(room.Width() > 0 && room.Height() > 0)) {
         return;
     }
-    CalcAxes();
+    HasOverrideCenter = false;
+    CenterOffset = {0, 0};
+    Update(); // the viewport may be another since the last one
     cVec3 corners[8];
     bounds.ToPoints(corners);
     constexpr float Far = cMath::FloatMaxValue;
@@ -191,12 +196,9 @@ void cFreeViewer::Frame(const cBounds& bounds, const cMat4& transform, const cRe
         low = cVec3::Min(low, corner);
         high = cVec3::Max(high, corner);
     }
-    const cRect& room = area.Width() > 0 && area.Height() > 0 ? area : Viewport;
     const cVec2 from = ScreenToClip({room.x0, room.y0}), to = ScreenToClip({room.x1, room.y1});
     cVec3 eye = (low + high) * 0.5f;
-    const float middle = eye.z;
-    HasOverrideCenter = false;
-    CenterOffset = {0, 0};
+    const cVec3 middle = eye;
     if (IsOrthoView) {
         const cVec3 size = high - low;
         const float scale =
@@ -221,15 +223,23 @@ void cFreeViewer::Frame(const cBounds& bounds, const cMat4& transform, const cRe
         for (int axis = 0; axis < 2; axis++) {
             eye[axis] = (least[axis] + most[axis] + (slopes[axis][0] + slopes[axis][1]) * eye.z) * 0.5f;
         }
-        Distance = middle - eye.z;
+        Distance = middle.z - eye.z;
     }
-    Center = Right * eye.x + Up * eye.y + Forward * middle;
+    // The pivot is straight ahead, or, where the area is not in the middle of the picture, in the box all the same.
+    constexpr float Off = 1e-3f;
+    HasOverrideCenter = std::fabs(from.x + to.x) > Off || std::fabs(from.y + to.y) > Off;
+    const cVec3& pivot = HasOverrideCenter ? middle : eye;
+    CenterOffset = {eye.x - pivot.x, eye.y - pivot.y};
+    Center = Right * pivot.x + Up * pivot.y + Forward * middle.z;
     Update();
 }
 
 // ---- Motions
 
 void cFreeViewer::Step(const cVec2& delta, const cVec3& right, const cVec3& up) {
+    if (IsOrthoView && OrthoScaleTarget == 0) {
+        return; // a point of the world is nowhere on the screen
+    }
     // The constant keeps tracking alive at a distance of 0.
     const cVec2 step = IsOrthoView ? delta / OrthoScaleTarget : delta * (TrackSpeed * (std::fabs(Distance) + 10));
     if (HasOverrideCenter) {
@@ -247,10 +257,8 @@ void cFreeViewer::Track(const cVec2& delta) {
 
 void cFreeViewer::PlaneTrack(const cVec2& delta, const cVec3& normal) {
     CalcAxes();
-    const auto within = [&normal](const cVec3& v) {
-        const cVec3 p = cVec3::Cross(normal, cVec3::Cross(v, normal));
-        return p.LengthSq() > 0 ? cVec3::Normalize(p) : p;
-    };
+    const cVec3 n = normal.LengthSq() > 0 ? cVec3::Normalize(normal) : normal;
+    const auto within = [&n](const cVec3& v) { return cVec3::Cross(n, cVec3::Cross(v, n)); };
     Step(delta, within(Right), within(Up));
 }
 
@@ -345,8 +353,8 @@ bool cFreeViewer::OnButtonDown(int code) {
         if (KeysEnabled && OnKey(code)) {
             return true;
         }
-        if (!cInput::IsDown(cInput::Alt)) {
-            return false;
+        if (!cInput::IsDown(cInput::Alt) || !Viewport.Contains(cInput::GetMousePosition())) {
+            return false; // there may be several viewers
         }
     }
     if (Mode != NoMode && Mode != HeldByAlt) {
@@ -408,7 +416,7 @@ bool cFreeViewer::IsHot(bool covered) {
 }
 
 bool cFreeViewer::OnSetCursor(cInput::Cursor::Enum* cursor) {
-    if (Mode == NoMode || Mode == HeldByAlt) {
+    if (Mode == NoMode || Mode == HeldByAlt || !cWidgets::IsCaptured(this)) {
         return false;
     }
     *cursor = cInput::Cursor::Hand;
@@ -426,11 +434,11 @@ void cFreeViewer::HandleGesture(cGestureType::Enum type, const cVec2& position, 
     case cGestureType::Rotate:
         return ScreenRoll({RollSpeed != 0 ? angle / RollSpeed : 0, 0});
     case cGestureType::Pinch:
-        if (scale > 0 && std::isfinite(scale)) { // what lies between the fingers stays between them
+        if (scale > 0 && std::isfinite(scale)) { // what is around the pivot grows with the fingers
             if (IsOrthoView) {
                 OrthoScaleTarget = std::min(OrthoScaleTarget * scale, OrthoZoomMax);
             } else {
-                Distance /= scale;
+                Distance = std::min(Distance / scale, cMath::FloatMaxValue);
             }
             Update();
         }
@@ -440,8 +448,8 @@ void cFreeViewer::HandleGesture(cGestureType::Enum type, const cVec2& position, 
     }
 }
 
-void cFreeViewer::OnGestureDown(cGestureType::Enum type, const cVec2&) {
-    m_Gesture = Enabled ? type : cGestureType::None;
+void cFreeViewer::OnGestureDown(cGestureType::Enum type, const cVec2& position) {
+    m_Gesture = Enabled && Viewport.Contains(position) ? type : cGestureType::None;
 }
 
 void cFreeViewer::OnGestureMove(const cVec2& position, const cVec2& delta, float scale, float angle) {

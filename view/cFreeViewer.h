@@ -9,7 +9,8 @@
 
 namespace trellis {
 
-/// While a drag runs it holds the capture. Distances are units of the world, motions pixels of the mouse.
+/// While a drag runs it holds the capture. Distances are units of the world, motions pixels of the mouse. The pivot is
+/// what counts: a state of the base that is popped lasts until the next `Update`.
 class cFreeViewer : public cViewer {
 public:
     class OrthoView {
@@ -50,11 +51,12 @@ public:
     void SetPerspProj();
     void Home();
     void LookAt(const cVec3& eye, const cVec3& target);
-    void OverrideCenter(const cVec3& center); ///< Orbits that point from now on; the eye stays where it is.
+    /// Orbits that point from now on. The eye stays where it is; that of parallel rays moves along them.
+    void OverrideCenter(const cVec3& center);
 
     // Motions by the mouse's travel. Each ends with `Update`.
     void Track(const cVec2& delta);
-    void PlaneTrack(const cVec2& delta, const cVec3& normal); ///< Within the plane of that normal.
+    void PlaneTrack(const cVec2& delta, const cVec3& normal); ///< Within the plane of that normal, of any length.
     void Tumble(const cVec2& delta);       ///< Pitch about the own right axis, yaw about the world's Y.
     void ScreenTumble(const cVec2& delta); ///< Both about the own axes.
     void Dolly(const cVec2& delta);
@@ -67,7 +69,8 @@ public:
     void Aim(float distance);
     void Transform(const cMat4& transform); ///< Of pivot and orientation: the viewer moves with what it looks at.
 
-    /// Moves the eye, straight or sideways, to where the box just fits, and the pivot into its middle.
+    /// Moves the eye, straight or sideways, to where the box just fits, and the pivot into the box. Nothing happens for
+    /// an empty box, or without room.
     ///
     /// @param transform  of the box to the world
     /// @param area       pixels, the part of the viewport to fit into; the whole when it is empty

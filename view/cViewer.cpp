@@ -3,6 +3,7 @@
 #include "editor/cSettings.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace trellis {
 
@@ -168,7 +169,8 @@ cVec2 cViewer::ScreenToClip(const cVec2& pixels) const {
 }
 
 void cViewer_CalcOrientFromForwardDir(cQuat* out, const cVec3& dir) {
-    const cVec3 forward = dir.LengthSq() > 0 ? cVec3::Normalize(dir) : dir;
+    const float most = std::max({std::fabs(dir.x), std::fabs(dir.y), std::fabs(dir.z)}); // its square may be no float
+    const cVec3 forward = most > 0 && std::isfinite(most) ? cVec3::Normalize(dir / most) : dir;
     const cVec3 side = cVec3::Cross(forward, cVec3::AxisY);
     const cVec3 right = side.LengthSq() > 0 ? cVec3::Normalize(side) : cVec3::AxisX;
     *out = cMat3::FromVectors(forward, right, cVec3::Cross(right, forward)).ToQuat();

@@ -85,7 +85,7 @@ public:
     /// Where a point of the world shows, in pixels. What lies behind the near plane is first pulled to it, straight
     /// along the view, and so comes out on its own side of the screen.
     ///
-    /// @return whether it is in front of the near plane
+    /// @return whether it is in front of the near plane; always for a parallel lens
     bool WorldToClosestScreenPoint(const cVec3& p, cVec2* pixels) const;
 
     cVec2 ScreenToClip(const cVec2& pixels) const;   ///< Pixels of the window, as the viewport's own, Y up.

@@ -54,6 +54,9 @@ TEST_F(Draw3D, CountsAndExtents) {
     const cVec3 normal(0, 0, 2);
     cFrustum frustum;
     viewer.CalcFrustum(&frustum, 1, 2);
+    const cVec3 pair[2] = {{-4, 0, 0}, {4, 0, 0}};
+    const float sizes[2] = {2, 4};
+    const auto SetColored = [] { cRender::SetShader(cRender::GetShaderID("Colored", Vertex::FormatID)); };
     const float tangent = std::tan(33.75f * cMath::RadsPerDeg);
     const struct {
         const char* Name;
@@ -146,6 +149,35 @@ TEST_F(Draw3D, CountsAndExtents) {
          24,
          {2 * tangent * 4 / 3, 2 * tangent, 0.5f},
          {0, 0, -1.5f}},
+        {"solid frustum",
+         [&] {
+             SetColored();
+             cRender::DrawFrustumSolidCurShader(frustum, Red);
+         },
+         cTopology::TriangleList,
+         8,
+         36,
+         {2 * tangent * 4 / 3, 2 * tangent, 0.5f},
+         {0, 0, -1.5f}},
+        {"cubes",
+         [&] {
+             SetColored();
+             cRender::DrawCubesCurShader(pair, sizes, 2, Red);
+         },
+         cTopology::TriangleList,
+         16,
+         72,
+         {5.5f, 2, 2},
+         {0.5f, 0, 0}},
+        {"quarter of odd directions",
+         [] {
+             cRender::DrawSector(cVec3::Zero, 2, {3e25f, 0, 0}, {0, 5e-25f, 0}, Red, 8);
+         },
+         cTopology::TriangleList,
+         10,
+         24,
+         {1, 1, 0},
+         {1, 1, 0}},
         {"billboards",
          [] {
              const cVec3 centers[2] = {{-4, 0, 0}, {4, 0, 0}};
@@ -210,6 +242,7 @@ TEST_F(Draw3D, Grids) {
     } rows[] = {
         {"the default", 20, 5, 5, 16, 4, 20, 20},
         {"too small a size", 0.5f, 5, 5, 16, 4, 20, 20},
+        {"thirteen cells of a tenth", 1.3f, 0.1f, 1, 0, 13, 1.3f, 1.3f},
         {"no cell", 20, 0.0009f, 5, 16, 4, 20, 20},
         {"one subdivision: every line is a whole one", 20, 5, 1, 0, 4, 20, 20},
         {"none is one", 20, 5, 0, 0, 4, 20, 20},
@@ -230,7 +263,7 @@ TEST_F(Draw3D, Grids) {
         EXPECT_EQ(v[0].Color, row.SubLines ? cColor::Gray.ToDword() : cColor::Black.ToDword());
         EXPECT_EQ(v[8 * row.SubLines + 5].Pos, cVec3(0, 20, 0)); // the top of the axis
         EXPECT_EQ(v[draw.VertexCount - 1].Color, cColor::DimGray.ToDword());
-        EXPECT_EQ(BoundsOf(draw).max[0], row.Extent);
+        EXPECT_FLOAT_EQ(BoundsOf(draw).max[0], row.Extent);
         args.Validate();
         EXPECT_EQ(args.Size, row.Valid);
     }

@@ -324,13 +324,12 @@ TEST_F(Draw, CirclesAndCrosses) {
 
     const cVec3 centers[2] = {cVec3::Zero, cVec3(5, 0, 0)};
     const float radii[2] = {1, 2};
-    cRender::SetShader(cRender::GetShaderID("DitherUI", cVertex::PositionOnly::FormatID));
     cRender::FillCirclesCurShader(centers, radii, 2, cVec3::AxisZ, 8);
     const auto circles = Device.TakeDraws().at(0);
     EXPECT_EQ(circles.VertexCount, 18);
     EXPECT_EQ(circles.Indices.size(), 48u);
     for (int i = 1; i <= 8; i++) {
-        EXPECT_NEAR((circles.As<cVec3>()[9 + i] - centers[1]).Length(), 2, 1e-5);
+        EXPECT_NEAR((circles.As<cVertex::PositionColored>()[9 + i].Pos - centers[1]).Length(), 2, 1e-5);
     }
 }
 

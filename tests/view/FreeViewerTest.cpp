@@ -216,6 +216,23 @@ TEST_F(FreeViewer, ButtonsWithAlt) {
         Set(row.First, false);
         EXPECT_FALSE(cWidgets::IsCaptured());
     }
+    Set(I::Alt, true);
+    auto* beside = new cFreeViewer;
+    beside->Viewport = {5000, 0, 6000, 480};
+    cWidgets::AddWidget(beside, 2);
+    Set(I::LeftButton, true);
+    EXPECT_TRUE(cWidgets::IsCaptured(V)) << "the one under the mouse";
+    auto cursor = I::Cursor::Default;
+    EXPECT_TRUE(V->OnSetCursor(&cursor));
+    cWidgets::ReleaseCapture();
+    EXPECT_FALSE(V->OnSetCursor(&cursor));
+    Set(I::LeftButton, false);
+    Set(I::Alt, false);
+    cWidgets::FreeWidget(beside, false);
+    V->KeysEnabled = false;
+    Set(I::NumPad2, true);
+    Set(I::NumPad2, false);
+    EXPECT_LT(V->Forward.y, -0.1f);
     V->Enabled = false;
     Set(I::Alt, true);
     Set(I::LeftButton, true);
@@ -289,19 +306,24 @@ TEST_F(FreeViewer, Motions) {
     V->SetView(View::Front);
     V->Roll({60, 40});
     ExpectNear(V->Forward, -cVec3::AxisZ);
-    const cVec3 rolled = V->Up;
+    EXPECT_NEAR(V->Up.x, -0.5f, 1e-4f);
     V->SetView(View::Front);
     V->ScreenRoll({60, 40});
     ExpectNear(V->Forward, -cVec3::AxisZ);
-    EXPECT_NEAR(std::fabs(V->Up.x), 0.5f, 1e-4f);
-    EXPECT_NEAR(std::fabs(rolled.x), 0.5f, 1e-4f);
+    EXPECT_NEAR(V->Up.x, 0.5f, 1e-4f);
+    const cVec3 right = V->Right, up = V->Up;
     V->ScreenTumble({100, 0}); // about its own up
-    EXPECT_NEAR(cVec3::Dot(V->Forward, -cVec3::AxisZ), std::sqrt(0.75f), 1e-4f);
+    ExpectNear(V->Up, up);
+    ExpectNear(V->Forward, right * 0.5f - cVec3::AxisZ * std::sqrt(0.75f));
+    V->SetView(View::Front);
+    V->ScreenTumble({0, 100});
+    ExpectNear(V->Forward, {0, 0.5f, -std::sqrt(0.75f)});
 
     V->Home();
     V->PlaneTrack({100, 70}, cVec3::AxisY * 3);
     EXPECT_NEAR(V->Center.y, 0, 1e-4f);
-    EXPECT_NEAR(V->Center.Length(), std::hypot(3.0f, 2.1f), 1e-4f);
+    ExpectNear(V->Center,
+               V->Right * -3 - (V->Up - cVec3::AxisY * V->Up.y) * 2.1f); // the way up as it lies on the plane
 }
 
 TEST_F(FreeViewer, PivotsOfTheUser) {
@@ -325,6 +347,12 @@ TEST_F(FreeViewer, PivotsOfTheUser) {
     ExpectNear(V->Position, {0, 3, 10});
     ExpectNear(V->Forward, -cVec3::AxisZ);
     EXPECT_EQ(V->Distance, 8);
+    V->SetOrthoProj(View::Front);
+    V->OverrideCenter({4, 5, 6});
+    EXPECT_EQ(V->Distance, 8);
+    ExpectNear(V->Position, {0, 3, 6}, 1e-3f);
+    V->SetPerspProj();
+    V->LookAt({0, 3, 10}, {0, 3, 2});
     V->LookAt({1, 1, 1}, {1, 1, 1}); // no direction: the former one
     ExpectNear(V->Forward, -cVec3::AxisZ);
     V->LookAt({0, 9, 0}, cVec3::Zero); // straight down
@@ -345,7 +373,15 @@ TEST_F(FreeViewer, FramesABox) {
              {cMat4(cMat4::Identity), cMat4::Scaling(3, 1, 0.2f) * cMat4::Translation(40, -7, 3)}) {
             V->Home();
             V->IsOrthoView = isOrtho;
+            V->Viewport = {0, 0, 700, 500}; // since the last update
             V->Frame(cBounds({-1, -2, -3}, {4, 5, 6}), transform, area);
+            ExpectNear(V->Center, cVec3(1.5f, 1.5f, 1.5f) * transform, 8);
+            const cVec3 eye = V->Position;
+            V->Viewport = {5, 5, 5, 5};
+            V->Frame(cBounds({-1, -2, -3}, {4, 5, 6}), transform, cRect::Empty);
+            EXPECT_EQ(V->Position, eye);
+            V->Viewport = {0, 0, 700, 500};
+            V->Update();
             cVec3 corners[8];
             cBounds({-1, -2, -3}, {4, 5, 6}).ToPoints(corners);
             float gaps[4] = {1e9f, 1e9f, 1e9f, 1e9f};
@@ -388,6 +424,17 @@ TEST_F(FreeViewer, Gestures) {
     EXPECT_EQ(V->Distance, 10);
     V->HandleGesture(cGestureType::Pinch, {0, 0}, {0, 0}, 0, 0);
     EXPECT_EQ(V->Distance, 10);
+    V->HandleGesture(cGestureType::Swipe, {0, 0}, {10, 4}, 1, 0);
+    V->Distance = 20;
+    V->Update();
+    expected.Tumble({10, 4});
+    same("swipe");
+    V->HandleGesture(cGestureType::Pinch, {0, 0}, {0, 0}, 1e-40f, 0);
+    EXPECT_TRUE(std::isfinite(V->Distance));
+    V->SetOrthoProj(View::Front);
+    V->OrthoScaleTarget = 0;
+    V->Track({1, 1});
+    EXPECT_TRUE(std::isfinite(V->Center.x));
     V->Home();
     expected.Home();
     V->HandleGesture(cGestureType::Rotate, {0, 0}, {0, 0}, 1, 30);
@@ -396,12 +443,14 @@ TEST_F(FreeViewer, Gestures) {
 }
 
 TEST(Orientations, FromADirection) {
-    for (const cVec3& dir : {cVec3(0, 0, -2), cVec3(3, 1, 2), cVec3(0, 5, 0), cVec3(0, -1, 0)}) {
+    for (const cVec3& dir :
+         {cVec3(0, 0, -2), cVec3(3, 1, 2), cVec3(0, 5, 0), cVec3(0, -1, 0), cVec3(1e-25f, 0, 0), cVec3(0, 0, 1e25f)}) {
         cQuat q;
         cViewer_CalcOrientFromForwardDir(&q, dir);
         cVec3 forward, right, up;
         q.ToMat3().ToVectors(&forward, &right, &up);
-        ExpectNear(forward, cVec3::Normalize(dir));
+        const float most = std::max({std::fabs(dir.x), std::fabs(dir.y), std::fabs(dir.z)});
+        ExpectNear(forward, cVec3::Normalize(dir / most));
         EXPECT_NEAR(right.y, 0, 1e-5f);
         EXPECT_GE(up.y, -1e-5f);
     }
