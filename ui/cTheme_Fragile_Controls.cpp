@@ -168,7 +168,7 @@ void cTheme_Fragile::DrawDropDown(const Pen& pen) {
     cRect under = rect;
     under.Translate({pen.R(1), -pen.R(2)});
     pen.PlateGlow(under, corner, pen.R(6), Colors::WithAlpha(Colors::Shade, 0.40f));
-    pen.Plate(rect, corner, cColor::FromRgb(0x1B2638, 0.97f), cColor::FromRgb(0x24324A, 0.97f));
+    pen.Plate(rect, corner, cColor::FromRgb(0x1B2638, 1), cColor::FromRgb(0x24324A, 1));
     pen.PlateRim(rect, corner, Colors::WithAlpha(Colors::Rim, 0.60f), Colors::WithAlpha(Colors::Rim, 0.35f));
     if (row <= 0) {
         return;

@@ -87,7 +87,7 @@ struct cTheme_Fragile_Colors {
                             TextOff = cColor::FromRgb(0x66748B);
     static constexpr cColor Accent = cColor::FromRgb(0x6DB8FF), Danger = cColor::FromRgb(0xF0706A);
     static constexpr cColor Shade = cColor::FromRgb(0x04070C), Light = cColor::FromRgb(0xFFFFFF);
-    static constexpr cColor Form = cColor::FromRgb(0x222D3F, 0.97f), FormEdge = cColor::FromRgb(0x31405A, 0.97f);
+    static constexpr cColor Form = cColor::FromRgb(0x222D3F, 1), FormEdge = cColor::FromRgb(0x31405A, 1);
     static constexpr cColor Raised = cColor::FromRgb(0x506C98), RaisedEdge = cColor::FromRgb(0x354A6E);
     static constexpr cColor RaisedHot = cColor::FromRgb(0x5682C8), RaisedHotEdge = cColor::FromRgb(0x335C98);
     static constexpr cColor Pressed = cColor::FromRgb(0x29456F), PressedEdge = cColor::FromRgb(0x4A7DC2);
