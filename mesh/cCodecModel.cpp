@@ -4,7 +4,7 @@
 #include <climits>
 #include <cstring>
 
-#include "files/cFile.h"
+#include "files/cNativeFile.h"
 #include "mesh/cModel.h"
 
 namespace trellis {
@@ -20,64 +20,21 @@ constexpr int s_MaxVertices = 65536;
 constexpr int s_JointBytes = 22, s_MeshBytes = 12;
 constexpr int s_BumpBytes = 38, s_AnimBytes = 50;
 
-long long BytesLeft(const cFile& file) {
-    return file.GetSize() - file.GetPos();
-}
-
-short ToShort(float v) {
-    const float scaled = v * s_One; // truncated below; what no 16 bits hold becomes the nearest that they do
-    return scaled >= float(SHRT_MAX)   ? short(SHRT_MAX)
-           : scaled <= float(SHRT_MIN) ? short(SHRT_MIN)
-           : scaled != scaled          ? short(0)
-                                       : short(scaled);
-}
-
-bool ReadByte(const cFile& file, unsigned char* v) {
-    return file.ReadBytes(v, 1) == 1;
-}
-
-/// Refuses a zero byte, behind which nobody would see the name.
-bool ReadName(const cFile& file, cStr* out) {
-    short length;
-    if (!file.ReadShort(&length) || length < 0 || length > BytesLeft(file)) {
-        return false;
-    }
-    out->Copy(reinterpret_cast<const char*>(file.GetBytes().Data()), file.GetPos(), length);
-    file.SetPos(file.GetPos() + length);
-    return int(std::strlen(*out)) == length;
-}
-
-/// @param size  bytes that each takes at least, so that a small file cannot ask for much memory
-bool IsCount(const cFile& file, long long count, int size) {
-    return count >= 0 && count * size <= BytesLeft(file);
-}
-
-bool ReadQuantised(const cFile& file, float* out, int count) {
-    for (int i = 0; i < count; i++) {
-        short v;
-        if (!file.ReadShort(&v)) {
-            return false;
-        }
-        out[i] = float(v) / s_One;
-    }
-    return true;
-}
-
 bool ReadJoint(const cFile& file, int joints, cModel::Joint* out) {
     short parent;
     cQuat& q = out->Orientation;
-    if (!ReadName(file, &out->Name) || !file.ReadShort(&parent) || parent < -1 || parent >= joints ||
-        !file.ReadVec3(&out->Position) || !ReadQuantised(file, q.ToPtr(), 3)) {
+    if (!cNativeFile::ReadName(file, &out->Name) || !file.ReadShort(&parent) || parent < -1 || parent >= joints ||
+        !file.ReadVec3(&out->Position) || !cNativeFile::ReadUnits(file, q.ToPtr(), 3)) {
         return false;
     }
     out->Parent = parent;
-    q.w = std::sqrt(std::clamp(1.0f - q.x * q.x - q.y * q.y - q.z * q.z, 0.0f, 1.0f));
+    q.w = cNativeFile::RestoreW(q);
     return true;
 }
 
 bool ReadIndices(const cFile& file, cList<int>* out) {
     int count;
-    if (!file.ReadInt(&count) || !IsCount(file, count, 2)) {
+    if (!file.ReadInt(&count) || !cNativeFile::IsCount(file, count, 2)) {
         return false;
     }
     out->SetCount(count);
@@ -139,7 +96,7 @@ bool HasJoints(const cVertex::Anim& vertex, int joints) {
 
 template <class Vertex> bool ReadVertices(const cFile& file, int size, int joints, cList<Vertex>* out) {
     int count;
-    if (!file.ReadInt(&count) || !IsCount(file, count, size)) {
+    if (!file.ReadInt(&count) || !cNativeFile::IsCount(file, count, size)) {
         return false;
     }
     out->SetCount(count);
@@ -156,7 +113,8 @@ template <class Vertex> bool ReadVertices(const cFile& file, int size, int joint
 
 bool ReadMesh(const cFile& file, const cModel& model, cModel::Mesh* out) {
     const int joints = model.Joints.Count();
-    if (!ReadName(file, &out->Name) || !ReadName(file, &out->MaterialName) || !ReadIndices(file, &out->Indices) ||
+    if (!cNativeFile::ReadName(file, &out->Name) || !cNativeFile::ReadName(file, &out->MaterialName) ||
+        !ReadIndices(file, &out->Indices) ||
         !(model.Static ? ReadVertices(file, s_BumpBytes, joints, &out->BumpVertices)
                        : ReadVertices(file, s_AnimBytes, joints, &out->AnimVertices))) {
         return false;
@@ -172,8 +130,8 @@ bool cCodecModelDecode(const cFile& file, cModel* out) {
     unsigned short magic;
     unsigned char version, isStatic;
     short joints, meshes;
-    if (!file.ReadWord(&magic) || magic != s_Magic || !ReadByte(file, &version) || version != s_Version ||
-        !file.ReadShort(&joints) || !IsCount(file, joints, s_JointBytes)) {
+    if (!file.ReadWord(&magic) || magic != s_Magic || !cNativeFile::ReadByte(file, &version) || version != s_Version ||
+        !file.ReadShort(&joints) || !cNativeFile::IsCount(file, joints, s_JointBytes)) {
         return false;
     }
     out->Joints.SetCount(joints);
@@ -182,7 +140,8 @@ bool cCodecModelDecode(const cFile& file, cModel* out) {
             return false;
         }
     }
-    if (!file.ReadShort(&meshes) || !ReadByte(file, &isStatic) || isStatic > 1 || !IsCount(file, meshes, s_MeshBytes)) {
+    if (!file.ReadShort(&meshes) || !cNativeFile::ReadByte(file, &isStatic) || isStatic > 1 ||
+        !cNativeFile::IsCount(file, meshes, s_MeshBytes)) {
         return false;
     }
     out->Static = isStatic == 1;
@@ -200,30 +159,14 @@ bool cCodecModelDecode(const cFile& file, cModel* out) {
     return true;
 }
 
-bool WriteName(cFile* out, const cStr& name) {
-    if (name.Length() > SHRT_MAX || int(std::strlen(name)) != name.Length()) {
-        return false;
-    }
-    out->WriteShort(short(name.Length()));
-    out->WriteString(name);
-    return true;
-}
-
-void WriteQuantised(cFile* out, const float* v, int count) {
-    for (int i = 0; i < count; i++) {
-        out->WriteShort(ToShort(v[i]));
-    }
-}
-
 bool WriteJoint(cFile* out, const cModel::Joint& joint, int joints) {
-    if (joint.Parent < -1 || joint.Parent >= joints || !WriteName(out, joint.Name)) {
+    if (joint.Parent < -1 || joint.Parent >= joints || !cNativeFile::WriteName(out, joint.Name)) {
         return false;
     }
     out->WriteShort(short(joint.Parent));
     out->WriteVec3(joint.Position);
-    // The reader makes w not negative; the negated quaternion is the same rotation.
-    const cQuat q = joint.Orientation.w < 0.0f ? -joint.Orientation : joint.Orientation;
-    WriteQuantised(out, q.ToPtr(), 3);
+    const cQuat q = cNativeFile::WithoutSign(joint.Orientation);
+    cNativeFile::WriteUnits(out, q.ToPtr(), 3);
     return true;
 }
 
@@ -231,9 +174,9 @@ bool WriteVertex(cFile* out, const cVertex::Bump& vertex) {
     out->WriteVec3(vertex.Pos);
     out->WriteFloat(vertex.TexCoord.x);
     out->WriteFloat(vertex.TexCoord.y);
-    WriteQuantised(out, vertex.Normal.ToPtr(), 3);
-    WriteQuantised(out, vertex.Tangent.ToPtr(), 3);
-    WriteQuantised(out, vertex.BiTangent.ToPtr(), 3);
+    cNativeFile::WriteUnits(out, vertex.Normal.ToPtr(), 3);
+    cNativeFile::WriteUnits(out, vertex.Tangent.ToPtr(), 3);
+    cNativeFile::WriteUnits(out, vertex.BiTangent.ToPtr(), 3);
     return true;
 }
 
@@ -248,7 +191,7 @@ bool WriteVertex(cFile* out, const cVertex::Anim& vertex) {
         indices[i] = (unsigned char)index;
     }
     out->WriteBytes(indices, 4);
-    WriteQuantised(out, vertex.Weights.ToPtr(), 4);
+    cNativeFile::WriteUnits(out, vertex.Weights.ToPtr(), 4);
     return true;
 }
 
@@ -301,7 +244,7 @@ bool cCodecModel::Encode(const cModel& model, cFile* out) {
     const unsigned char isStatic = model.Static;
     out->WriteBytes(&isStatic, 1);
     for (const cModel::Mesh& mesh : model.Meshes) {
-        if (!WriteName(out, mesh.Name) || !WriteName(out, mesh.MaterialName) ||
+        if (!cNativeFile::WriteName(out, mesh.Name) || !cNativeFile::WriteName(out, mesh.MaterialName) ||
             !(model.Static ? WriteGeometry(out, mesh.Indices, mesh.BumpVertices, joints)
                            : WriteGeometry(out, mesh.Indices, mesh.AnimVertices, joints))) {
             return false;

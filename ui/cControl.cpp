@@ -7,6 +7,12 @@
 
 namespace trellis {
 
+namespace {
+
+constexpr cVec2 Nowhere(cMath::FloatMaxValue, cMath::FloatMaxValue);
+
+} // namespace
+
 cControl::cControl(cWnd* parent, const char* text, float x, float y, int align, bool visible, bool enabled)
     : cWnd(parent), m_Text(text) {
     m_Pos = {x, y};
@@ -160,16 +166,21 @@ bool cControl::Capture(int code) {
 bool cControl::TrackHot(bool covered) {
     const bool captured = cWidgets::IsCaptured(this);
     const bool hot = !covered && IsVisible() && IsEnabled() && (captured || IsMouseInside());
-    // A mouse at rest does not take back what the keys have moved on.
-    const bool arrives = hot && (m_Hot.Target == 0 || cInput::GetMouseDelta() != cVec2(0, 0));
     m_Hot.Target = hot ? 1.0f : 0.0f;
     m_TargetGrow = !m_Grows   ? 0
                    : captured ? m_Theme->ButtonPressGrow
                    : hot      ? m_Theme->ButtonHotGrow
                               : m_Theme->ButtonIdleGrow;
-    if (arrives && m_TabStop && m_Theme->FocusFollowsMouse && !cWidgets::IsCaptured() && IsActive() &&
-        !HasFocus(this)) {
-        SetFocus(this);
+    // Once for each place of the mouse: at rest it does not take back what the keys have moved on.
+    const cVec2 mouse = hot ? cInput::GetMousePositionOrient() : Nowhere;
+    if (!hot) {
+        m_TookFocusAt = Nowhere;
+    } else if (m_TabStop && m_Theme->FocusFollowsMouse && m_TookFocusAt != mouse && !cWidgets::IsCaptured() &&
+               IsActive()) {
+        m_TookFocusAt = mouse;
+        if (!HasFocus(this)) {
+            SetFocus(this);
+        }
     }
     return hot;
 }

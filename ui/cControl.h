@@ -84,6 +84,9 @@ protected:
 
     cRect m_RelLabel = cRect::Empty;
     cRect m_RelValue = cRect::Empty;
+
+private:
+    cVec2 m_TookFocusAt{cMath::FloatMaxValue, cMath::FloatMaxValue}; // of the mouse
 };
 
 } // namespace trellis

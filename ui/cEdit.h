@@ -69,8 +69,8 @@ public:
     float m_ScrollX = 0; ///< At most 0.
     bool m_MouseSelecting = false;
     bool m_ReadOnly = false;
-    bool m_LockOnEdit = false; ///< The first character typed makes it read-only.
-    cList<UndoInfo> m_Undo;
+    bool m_LockOnEdit = false;       ///< The first character typed makes it read-only.
+    cList<UndoInfo> m_Undo;          ///< The last 500 changes of this edit mode, each with the whole text.
     cEdit* m_UpperSibling = nullptr; ///< Of a range: the edit of its upper end, and
     cEdit* m_LowerSibling = nullptr; ///< that of its lower one. An edit that goes lets go of them.
 

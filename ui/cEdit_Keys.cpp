@@ -215,8 +215,12 @@ bool cEdit::OnChar(int c, int code) {
 
 bool cEdit::EndEditAndTab(bool forward) {
     if (EndEdit(true)) {
-        if (cWnd* root = GetTopLevelParent()) {
-            root->GoTab(forward);
+        cWnd* form = m_Parent; // the nearest: each has a focus of its own
+        while (form && form->m_Parent && form->GetType() != FormType) {
+            form = form->m_Parent;
+        }
+        if (form) {
+            form->GoTab(forward);
         }
     }
     return true;

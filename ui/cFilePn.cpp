@@ -84,7 +84,7 @@ void cFilePn::Browse() {
     const cStr former = *m_Value;
     *m_Value = chosen;
     m_Edit->SetBufferFromValue();
-    Send(FileChosen, former.Text(), m_Value->Text());
+    Send(FileChosen, former.Text(), chosen.Text()); // whoever hears of it may write over the value
 }
 
 } // namespace trellis

@@ -57,10 +57,10 @@ cRect cForm::GetBaseRect() const {
 
 // ---- States
 
-/// What a form that was never laid out comes back to.
+/// What a form that was never laid out comes back to: there may be no base yet to take anchors from.
 void cForm::KeepNormal() {
     if (m_State == Normal && m_Align0 == -1) {
-        m_NormalBounds = m_Bounds; // there may be no base yet to take anchors from
+        m_NormalBounds = m_NormalBounds == cRect::Empty ? m_Bounds : m_NormalBounds;
     }
 }
 
@@ -162,7 +162,8 @@ void cForm::ClearFocus(cWnd* control) {
 }
 
 bool cForm::OnChar(int, int code) {
-    if (cWidgets::IsCaptured(this) || m_State == Minimized || !IsActive()) {
+    if (cWidgets::IsCaptured(this) || m_State == Minimized || !IsActive() ||
+        (m_Parent && GetParentClient().IsEmpty())) {
         return false;
     }
     // Both sticks at once would go two controls a push.
@@ -180,13 +181,6 @@ bool cForm::OnChar(int, int code) {
 }
 
 void cForm::GoTab(bool forward) {
-    // A child form in front has the keyboard, and a focus of its own.
-    for (cWnd* child : m_Children) {
-        if (child->GetType() == FormType && child->IsActive() && child->GetFormState() != Minimized) {
-            child->GoTab(forward);
-            return;
-        }
-    }
     cList<cWnd*> stops;
     if (m_ToolBar) {
         m_ToolBar->ListChildren(&stops, true);
@@ -196,7 +190,7 @@ void cForm::GoTab(bool forward) {
     // A disabled panel stays a stop: it says what is beneath it.
     const auto isEligible = [this](cWnd* w) {
         const cWnd* form = w->m_Parent; // what is in a child form takes that form's focus
-        while (form && form->GetType() != FormType) {
+        while (form && form != this && form->GetType() != FormType) {
             form = form->m_Parent;
         }
         return form == this && w->IsVisible() && (w->IsEnabled() || w->GetType() == PanelType) && w->GetTabStop();

@@ -17,7 +17,7 @@ cRect Rounded(const cRect& r) {
     return {round(r.x0), round(r.y0), round(r.x1), round(r.y1)};
 }
 
-/// The base of a host's window that is hidden is none: normal and small forms keep their places until it is back.
+/// The base of a host's window that is hidden is none: forms keep their places until it is back.
 bool HasArea(const cRect& base) {
     return base.Width() > 0 && base.Height() > 0;
 }
@@ -97,6 +97,9 @@ void cForm::CalcNormalStateBounds() {
 void cForm::CalcMaxStateBounds() {
     const float border = m_Theme->SizingBorderWidth; // out of sight
     const cRect base = GetBaseRect();
+    if (!HasArea(base)) {
+        return;
+    }
     m_Bounds = {base.x0 - border, base.y0 - border, base.x1 + border, base.y1 + border};
 }
 

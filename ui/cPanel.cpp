@@ -187,14 +187,15 @@ bool cPanel::IsHot(bool covered) {
     const bool hot = !covered && !m_Headless && IsVisible() && IsEnabled() && (captured || IsOverRow());
     m_Hot.Target = hot ? 1.0f : 0.0f;
     m_TargetGrow = hot ? m_Theme->ButtonHotGrow : m_Theme->ButtonIdleGrow;
-    if (hot && m_Theme->FocusFollowsMouse && !cWidgets::IsCaptured() && IsActive() && !HasFocus(this)) {
-        SetFocus(this);
-    }
     return hot;
 }
 
+bool cPanel::OnChar(int, int) {
+    return cWidgets::IsCaptured(this); // a key that holds it lets no other move the focus
+}
+
 bool cPanel::OnButtonDown(int code) {
-    if (m_Headless || !IsVisible() || !IsEnabled() || GetFormState() == 0) {
+    if (m_Headless || !IsVisible() || !IsEnabled() || GetFormState() == 0 || GetParentClient().IsEmpty()) {
         return false;
     }
     if (cWidgets::IsCaptured(this)) {

@@ -15,6 +15,7 @@ public:
     bool OnButtonDown(int code) override;
     bool OnButtonUp(int code) override;
     bool OnMouseMove() override;
+    bool OnChar(int c, int code) override;
     void OnRender() override;
     bool IsHot(bool covered) override;
     bool IsCollapsed() const override { return !m_Expanded; }

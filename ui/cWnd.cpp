@@ -117,15 +117,23 @@ void cWnd::Detach(const cWnd* wnd) {
 
 // ---- The tree
 
-/// In the layer of the root. @return the id, also of a window that the manager already has; -1: refused
+/// Nobody can be taken in by what is beneath himself.
+bool cWnd::IsBeneath(const cWnd* wnd) const {
+    const cWnd* w = this;
+    while (w && w != wnd) {
+        w = w->m_Parent;
+    }
+    return w;
+}
+
+/// In the layer of the root. @return the id, also of a window that the manager already has; -1: refused, or one of the
+/// two has gone in a callback
 int cWnd::AddToManager(cWnd* wnd) {
     if (!wnd) {
         return -1;
     }
-    for (const cWnd* w = this; w; w = w->m_Parent) {
-        if (w == wnd) {
-            return -1; // nobody is beneath himself
-        }
+    if (IsBeneath(wnd)) {
+        return -1;
     }
     int id = cWidgets::GetWidgetID(wnd);
     if (id == -1) {
@@ -136,11 +144,11 @@ int cWnd::AddToManager(cWnd* wnd) {
     if (id == -1) {
         return -1;
     }
-    const Guard guard(wnd);
+    const Guard guard(this), wndGuard(wnd);
     if (wnd->m_Parent != this) {
-        wnd->Leave();
+        wnd->Leave(); // a callback may do anything
     }
-    if (guard.IsGone()) {
+    if (guard.IsGone() || wndGuard.IsGone() || IsBeneath(wnd)) {
         return -1;
     }
     wnd->m_Parent = this;
@@ -148,7 +156,7 @@ int cWnd::AddToManager(cWnd* wnd) {
     if (wnd->m_Children.Count() != 0) {
         cWidgets::BringToFront(wnd); // it came with children, which belong in front of it
     }
-    return id;
+    return guard.IsGone() || wndGuard.IsGone() ? -1 : id;
 }
 
 int cWnd::AddChild(cWnd* child) {

@@ -203,6 +203,7 @@ protected:
 
 private:
     int AddToManager(cWnd* wnd);
+    bool IsBeneath(const cWnd* wnd) const;
     static void ClearFocusBeneath(cWnd* wnd);
     void Detach(const cWnd* wnd);
     void DropLostPart();

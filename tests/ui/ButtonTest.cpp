@@ -109,6 +109,14 @@ TEST_F(Buttons, FocusFollowsTheMouseOnceItMoves) {
     EXPECT_EQ(root->Focus, b);
     MoveTo(s_Mouse.Position.x + 1, s_Mouse.Position.y);
     EXPECT_EQ(root->Focus, a);
+    MoveTo(450, 120);
+    root->Focus = b;
+    cWidgets::SetCapture(root);
+    MoveTo(a->m_BaseBounds.Center().x, a->m_BaseBounds.Center().y);
+    EXPECT_EQ(root->Focus, b);
+    cWidgets::ReleaseCapture(); // now it may
+    Frame();
+    EXPECT_EQ(root->Focus, a);
 }
 
 TEST_F(Buttons, SizesAndTips) {

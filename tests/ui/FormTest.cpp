@@ -1,5 +1,6 @@
 #include "tests/ui/FormStops.h"
 #include "tests/ui/UiFixture.h"
+#include "ui/cEdit.h"
 #include "ui/cPanel.h"
 #include "ui/cToolBar.h"
 #include "view/cViewer.h"
@@ -276,8 +277,10 @@ TEST_F(Form, OpensInOneFrame) {
 
     Resize(0, 0);
     TestForm* hidden = New({50, 50, 400, 350});
-    hidden->Maximize();
-    Frame();
+    for (int i = 0; i < 3; i++) {
+        hidden->Maximize();
+        Frame();
+    }
     Resize(640, 480);
     EXPECT_EQ(hidden->m_Bounds, cRect(-4, -4, 644, 484));
     hidden->Maximize();
@@ -301,10 +304,19 @@ TEST_F(Form, ChildFormsHaveTheirOwnTabs) {
     }
     child->Activate();
     for (const Stop* next : {inner, other, inner}) {
-        parent->GoTab(true); // as the edits do
+        Press(cInput::Tab);
         EXPECT_EQ(child->m_Focus, next);
     }
     EXPECT_EQ(parent->m_Focus, a);
+    cStr text;
+    auto* edit = Add(child, new cEdit(child, &text, "", 0, -60, 0, true, true));
+    edit->OnTabStop();
+    Press(cInput::Tab); // within its own form
+    EXPECT_EQ(child->m_Focus, inner);
+    parent->Minimize();
+    Frame();
+    Press(cInput::Tab); // nothing is to be seen
+    EXPECT_EQ(child->m_Focus, inner);
 }
 
 TEST_F(Form, ScrollsByTwoTabsOfOneFrame) {

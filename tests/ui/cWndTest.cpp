@@ -55,6 +55,9 @@ public:
     }
     void ClearFocus(cWnd* wnd) override {
         Cleared += m_Parent ? 0 : 1;
+        if (const auto act = OnClearFocus) {
+            act();
+        }
         cWnd::ClearFocus(wnd);
     }
     bool HasFocus(cWnd* wnd) override { return m_Parent ? cWnd::HasFocus(wnd) : wnd == Focus; }
@@ -65,7 +68,7 @@ public:
     int Cleared = 0;
     cWnd* Focus = nullptr;
     char Name = '-';
-    std::function<void()> Act;
+    std::function<void()> Act, OnClearFocus;
     static inline int s_Alive = 0;
     static inline std::string s_Log;
 
@@ -504,6 +507,14 @@ TEST_F(Wnd, WhoLeavesGivesTheFocusUp) {
 
     EXPECT_EQ(edit->AddChild(other), -1) << "nobody is beneath himself";
     EXPECT_EQ(edit->AddChild(edit), -1);
+    Window* guest = Child(other);
+    auto* host = new Window(nullptr, &Theme);
+    cWidgets::AddWidget(host, 5);
+    other->OnClearFocus = [&] { cWidgets::FreeWidget(host, false); }; // while it takes the guest in
+    EXPECT_EQ(host->AddChild(guest), -1);
+    EXPECT_EQ(guest->m_Parent, nullptr);
+    other->OnClearFocus = nullptr;
+
     W->AddChild(W->m_ToolBar);
     EXPECT_EQ(W->m_ToolBar, nullptr) << "in one place";
     EXPECT_EQ(W->m_Children.Count(), 1);
