@@ -1,4 +1,7 @@
 // The codec tables, and the codecs that come with the framework.
+#include "animation/cCodecAnim.h"
+#include "animation/cCodecCamera.h"
+#include "animation/cCodecMd5Anim.h"
 #include "files/cIO_Assets.h"
 #include "foundation/cImmortal.h"
 #include "image/cCodecBmp.h"
@@ -41,6 +44,12 @@ void cIO_AddBuiltInCodecs() {
     cIO::AddCodec("cModel", &s_Model.Value);
     cIO::AddCodec(cCodecMd5Model::FileExtension, &s_Md5Model.Value);
     cIO::AddCodec("Obj", &s_Obj.Value);
+    static cImmortal<cCodecAnim> s_Anim;
+    static cImmortal<cCodecMd5Anim> s_Md5Anim;
+    cIO::AddCodec("cAnim", &s_Anim.Value);
+    cIO::AddCodec(cCodecMd5Anim::FileExtension, &s_Md5Anim.Value);
+    static cImmortal<cCodecCamera> s_Camera;
+    cIO::AddCodec("cCamera", &s_Camera.Value);
 }
 
 cStr cIO_RelativePath(const char* path) {

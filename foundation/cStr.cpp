@@ -551,11 +551,16 @@ cStr cStr::Formatv(const char* format, va_list args) {
 // UTF-8
 
 bool cStr::DecodeUTF8(cList<unsigned short>* out) const {
-    out->Clear();
+    out->SetCount(length); // at most
+    unsigned short* p = out->Data();
     unsigned int state = 0;
     unsigned int code = 0;
     for (int i = 0; i < length; i++) {
         const unsigned int byte = static_cast<unsigned char>(str[i]);
+        if (state == 0 && byte < 0x80) {
+            *p++ = static_cast<unsigned short>(byte);
+            continue;
+        }
         const unsigned int kind = UTF8_Table[byte];
         code = state == 0 ? (255u >> kind) & byte : (code << 6) + (byte & 63u);
         state = UTF8_Table[256 + state + kind];
@@ -563,12 +568,13 @@ bool cStr::DecodeUTF8(cList<unsigned short>* out) const {
             continue;
         }
         if (code > 0xFFFF) {
-            out->Add((unsigned short)((code >> 10) + 0xD7C0));
-            out->Add((unsigned short)((code & 0x3FF) + 0xDC00));
+            *p++ = (unsigned short)((code >> 10) + 0xD7C0);
+            *p++ = (unsigned short)((code & 0x3FF) + 0xDC00);
         } else {
-            out->Add((unsigned short)code);
+            *p++ = (unsigned short)code;
         }
     }
+    out->SetCount(int(p - out->Data()));
     return state == 0;
 }
 

@@ -1,10 +1,14 @@
 // Shows a model on the ground grid through the software device, plays a script of input, and saves pictures of it.
 //
-//     scene_view DATA MODEL SCRIPT FOLDER      DATA holds Fonts/; MODEL is a file that cIO can load
+//     scene_view DATA MODEL SCRIPT FOLDER [ANIM]      DATA holds Fonts/; MODEL and ANIM are files that cIO can load
 //
 // The script is that of InputScript.h; FOLDER receives NAME.bmp for each of its pictures. Keys: 0 to 4 choose the
-// handles (none, move, rotate, scale, all), L their axes, S snapping, F frames the model, V shows its box. The script
-// points to handles as move/x, rotate/y, scale/free and so on.
+// handles (none, move, rotate, scale, all), L their axes, S snapping, F frames the model, V shows its box; A plays the
+// animation, P edits a path around the model, C flies along it. The script points to handles as move/x, rotate/y,
+// scale/free and so on; the first tool of a kind counts, and node/2 is the end point of the path's third node.
+#include "animation/cAnim.h"
+#include "animation/cCamera.h"
+#include "animation/cSpline.h"
 #include "files/SourceFolder.h"
 #include "files/cIO.h"
 #include "foundation/cTimer.h"
@@ -23,7 +27,9 @@
 #include "view/cTransform.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -74,8 +80,8 @@ constexpr struct {
     const char* Name;
     cColor Color;
 } s_Materials[] = {
-    {"white", {0.92f, 0.9f, 0.86f, 1}}, {"red", {0.75f, 0.16f, 0.12f, 1}},   {"iron", {0.25f, 0.27f, 0.3f, 1}},
-    {"rock", {0.45f, 0.42f, 0.38f, 1}}, {"glass", {0.98f, 0.86f, 0.45f, 1}},
+    {"white", {0.92f, 0.9f, 0.86f, 1}}, {"red", {0.75f, 0.16f, 0.12f, 1}},  {"iron", {0.25f, 0.27f, 0.3f, 1}},
+    {"rock", {0.45f, 0.42f, 0.38f, 1}}, {"reed", {0.45f, 0.62f, 0.25f, 1}}, {"glass", {0.98f, 0.86f, 0.45f, 1}},
 };
 
 cColor ColorOf(const cStr& material) {
@@ -96,11 +102,18 @@ public:
         if (!cIO::LoadModel(path, &m_Model) || m_Model.GetTriangleCount() == 0) {
             return false;
         }
-        m_Model.UpdateBounds();
-        m_Model.CreateRenderBuffers();
+        m_Posed = m_Model;
+        if (!m_Model.Static) {
+            m_Model.GoToBindPose(&m_Posed);
+            m_Posed.Static = true;
+        }
+        m_Posed.UpdateBounds();
         return true;
     }
-    void Free() { m_Model.Free(); }
+    bool LoadAnim(const char* path) { return cIO::LoadAnim(path, &m_Anim); }
+
+    /// Who looks: the viewer of the hand, or the one that flies.
+    cViewer* GetViewer() { return m_IsFlying ? &m_Flyer : m_Viewer; }
 
     cMat4 World() const {
         const cVec3& t = Transform.Translate;
@@ -115,7 +128,19 @@ public:
         }
         switch (code) {
         case cInput::F:
-            m_Viewer->Frame(m_Model.Bounds, World(), cRect::Empty);
+            m_Viewer->Frame(m_Posed.Bounds, World(), cRect::Empty);
+            return true;
+        case cInput::A:
+            m_IsPlaying = !m_IsPlaying;
+            return true;
+        case cInput::P:
+            EnsurePath();
+            Path.Edit();
+            return true;
+        case cInput::C:
+            m_IsFlying = !m_IsFlying;
+            m_FlightState = {};
+            MakeFlight();
             return true;
         case cInput::L:
             g_ManipulatorsLocal = g_ManipulatorsLocal == cSpace::World ? cSpace::Local : cSpace::World;
@@ -143,16 +168,23 @@ public:
         grid.Height = 12;
         cRender::DrawGrid(grid);
 
+        if (m_IsPlaying) {
+            m_AnimSec =
+                std::fmod(m_AnimSec + cTimer::GetFrameTimeSec(), std::max(float(m_Anim.GetDurationSec()), 0.01f));
+            m_Anim.SetFrame(m_AnimSec, m_Model, &m_Joints);
+            m_Model.SetAnim(m_Joints, &m_Posed);
+        }
         cRender::SetWorldMatrix(World());
-        for (int i = 0; i < m_Model.Meshes.Count(); i++) {
+        for (const cModel::Mesh& mesh : m_Posed.Meshes) {
             cRender::SetShader(s_Shader);
-            cRender::SetShaderConst(s_Color, ColorOf(m_Model.Meshes[i].MaterialName));
+            cRender::SetShaderConst(s_Color, ColorOf(mesh.MaterialName));
             cRender::ApplyTransforms();
-            m_Model.Draw(i);
+            cRender::DrawIndexed(cTopology::TriangleList, mesh.BumpVertices.Data(), mesh.BumpVertices.Count(),
+                                 mesh.Indices.Data(), mesh.Indices.Count(), 4);
         }
         if (m_ShowBounds) {
-            cRender::DrawBounds(m_Model.Bounds, cColor::Orange);
-            const cVec3 low = m_Model.Bounds.min, high = m_Model.Bounds.max;
+            cRender::DrawBounds(m_Posed.Bounds, cColor::Orange);
+            const cVec3 low = m_Posed.Bounds.min, high = m_Posed.Bounds.max;
             cRender::DrawSphereWire((low + high) * 0.5f, (high - low).Length() * 0.5f, cColor(0.5f, 0.7f, 0.9f, 1));
         }
         cRender::SetWorldMatrix(cMat4::Scaling(2, 2, 2) * cMat4::RotationY(45) * cMat4::Translation(-9, 1, -9));
@@ -161,12 +193,55 @@ public:
         Transform.OnProcess();
     }
 
+    /// Ahead of a frame's drawing.
+    void Fly() {
+        if (!m_IsFlying) {
+            return;
+        }
+        m_Flight.Step(&m_FlightState, cTimer::GetFrameTimeSec());
+        m_Flyer.Position = m_FlightState.Position;
+        m_Flyer.Orient = m_FlightState.Orientation;
+        m_Flyer.FovY = m_FlightState.FieldOfView;
+        m_Flyer.Viewport = m_Viewer->Viewport;
+        m_Flyer.Update(false);
+    }
+
     cTransform Transform;
+    cSpline Path;
 
 private:
+    void EnsurePath() {
+        if (Path.Nodes.Count() == 0) {
+            const cVec3 points[] = {{9, 2, 0}, {0, 4, 9}, {-9, 6, 0}, {0, 7, -9}, {8, 9, -4}};
+            Path.SetFromPoints(points, int(std::size(points)));
+        }
+    }
+
+    /// Along the path in four seconds, looking at the model.
+    void MakeFlight() {
+        constexpr int Frames = 80;
+        EnsurePath();
+        m_Flight.FrameRate = 20;
+        m_Flight.Cameras.Clear();
+        m_Flight.Cameras.Add({"round the model", 0.1f, 2000, 0, {}});
+        const cVec3 middle = (cVec3(m_Posed.Bounds.min) + cVec3(m_Posed.Bounds.max)) * 0.5f;
+        for (int i = 0; i < Frames; i++) {
+            const float length = Path.GetTotalLength() * float(i) / (Frames - 1);
+            cCamera::Frame frame{Path.GetValue(Path.GetPlaceByLengthAccurate(length)), {}, 67.5f};
+            cViewer_CalcOrientFromForwardDir(&frame.Orientation, middle - frame.Position);
+            m_Flight.Cameras[0].Frames.Add(frame);
+        }
+    }
+
     cFreeViewer* m_Viewer;
-    cModel m_Model;
-    bool m_ShowBounds = false;
+    cViewer m_Flyer;
+    cModel m_Model, m_Posed;
+    cAnim m_Anim;
+    cList<cAnim::Joint> m_Joints;
+    cCamera m_Flight;
+    cCamera::State m_FlightState;
+    float m_AnimSec = 0;
+    bool m_ShowBounds = false, m_IsPlaying = false, m_IsFlying = false;
 };
 
 /// Where to take hold of a handle of that kind, in the world.
@@ -193,7 +268,8 @@ bool HandleOf(const cManipulator& tool, const std::string& handle, cVec3* positi
 
 class Program {
 public:
-    bool Play(const char* modelPn, const char* scriptPn, const std::string& folder, std::string* error) {
+    bool Play(const char* modelPn, const char* animPn, const char* scriptPn, const std::string& folder,
+              std::string* error) {
         std::ifstream file(scriptPn, std::ios::binary);
         const std::string text{std::istreambuf_iterator<char>(file), {}};
         InputScript script;
@@ -201,8 +277,8 @@ public:
             *error = error->empty() ? "no such script" : *error;
             return false;
         }
-        if (!m_Scene->Load(modelPn)) {
-            *error = "no such model";
+        if (!m_Scene->Load(modelPn) || (*animPn && !m_Scene->LoadAnim(animPn))) {
+            *error = "no such model or animation";
             return false;
         }
         cWidgets::AddWidget(m_Viewer, 0);
@@ -224,7 +300,7 @@ public:
         const bool ok = script.Play(
             listener, [this] { Frame(); }, error);
         m_Scene->Transform.FreeTools();
-        m_Scene->Free();
+        m_Scene->Path.FreeTools();
         cRender::SetViewer(nullptr);
         cWidgets::FreeAll();
         return ok;
@@ -235,6 +311,11 @@ public:
 private:
     bool Find(const std::string& name, cVec2* position) const {
         const std::string kind = name.substr(0, name.find('/')), handle = name.substr(name.find('/') + 1);
+        if (kind == "node") {
+            const int node = std::atoi(handle.c_str());
+            const auto* at = m_Scene->Path.Nodes.Get(node);
+            return at && m_Viewer->WorldToClosestScreenPoint(at->EP, position);
+        }
         for (cWidget* widget : cWidgets::GetLayer(cManipulator::Layer)) {
             auto* tool = widget ? dynamic_cast<cManipulator*>(widget) : nullptr;
             const char* its = dynamic_cast<cMoveTool*>(widget)     ? "move"
@@ -253,9 +334,10 @@ private:
         m_Clock.Advance(1'000'000 / 60);
         cTimer::Acquire();
         cWidgets::HandleInputEvents();
+        m_Scene->Fly();
         cRender::BeginFrame();
         cRender::Clear(true, true, cColor(0.62f, 0.68f, 0.74f), 1);
-        cRender::SetViewer(m_Viewer);
+        cRender::SetViewer(m_Scene->GetViewer());
         for (int layer = 0; layer < cWidgets::LayerCount; layer++) {
             cWidgets::Render(layer);
         }
@@ -270,8 +352,8 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 5) {
-        std::fprintf(stderr, "usage: scene_view DATA MODEL SCRIPT FOLDER\n");
+    if (argc != 5 && argc != 6) {
+        std::fprintf(stderr, "usage: scene_view DATA MODEL SCRIPT FOLDER [ANIM]\n");
         return 2;
     }
     const auto absolute = [](const char* path) { return std::filesystem::absolute(path).string(); };
@@ -282,7 +364,8 @@ int main(int argc, char** argv) {
         return 1;
     }
     std::string error;
-    const bool ok = Program().Play(absolute(argv[2]).c_str(), argv[3], absolute(argv[4]), &error);
+    const std::string anim = argc == 6 ? absolute(argv[5]) : "";
+    const bool ok = Program().Play(absolute(argv[2]).c_str(), anim.c_str(), argv[3], absolute(argv[4]), &error);
     if (!ok) {
         std::fprintf(stderr, "scene_view: %s\n", error.c_str());
     }

@@ -1,72 +1,22 @@
 #include "mesh/cCodecMd5Model.h"
 
 #include <algorithm>
-#include <cmath>
 
-#include "files/cFile.h"
 #include "math/cMat3.h"
-#include "math/cMat4.h"
+#include "mesh/cCodecMd5.h"
 #include "mesh/cModel.h"
 
 namespace trellis {
 
 namespace {
 
-constexpr const char* s_Lines = "\r\n";
-constexpr const char* s_Blanks = " \t";
-constexpr const char* s_BlanksAndMarks = " ()\t\""; // inside of the blocks
+using Lines = cCodecMd5_Lines;
 
-// Bytes of the shortest lines that each kind of element takes. All elements of a file together must fit into it.
+// Bytes of the shortest lines that each kind of element takes.
 constexpr int s_JointBytes = 16, s_MeshBytes = 6, s_VertexBytes = 15, s_TriangleBytes = 12, s_WeightBytes = 19;
 
 // Sorting takes the square of this at its worst. A skeleton gives a vertex a handful.
 constexpr int s_MaxWeights = 256;
-
-/// The tokens of a file, line by line.
-class Lines {
-public:
-    explicit Lines(const cFile& file) : m_File(file), m_BytesLeft(file.GetSize()) {}
-
-    /// @return false at the end of the file
-    bool Next(const char* delimiters) {
-        if (!m_File.ReadString(&m_Line, s_Lines)) {
-            return false;
-        }
-        cStr::Split(m_Line, &m_Tokens, delimiters);
-        return true;
-    }
-    int Count() const { return m_Tokens.Count(); }
-    const cStr& operator[](int i) const { return m_Tokens[i]; }
-    bool Is(const char* word) const { return Count() > 0 && m_Tokens[0] == word; }
-
-    // False for a token that is not there or no number.
-    bool Get(int i, int* out) const { return i < Count() && cStr::ToInt(m_Tokens[i], out); }
-    bool Get(int i, float* out) const { return i < Count() && cStr::ToFloat(m_Tokens[i], out); }
-    bool Get(int i, cVec3* out) const { return Get(i, &out->x) && Get(i + 1, &out->y) && Get(i + 2, &out->z); }
-
-    /// Sizes a list by the second token. @param size  bytes that each element takes at least
-    template <class T> bool GetCount(int size, cList<T>* list) {
-        int count;
-        if (!Get(1, &count) || count < 0 || (long long)count * size > m_BytesLeft) {
-            return false;
-        }
-        m_BytesLeft -= (long long)count * size;
-        list->SetCount(count);
-        return true;
-    }
-
-    /// The second token as an index into a list.
-    template <class T> T* GetElement(cList<T>& list) const {
-        int i;
-        return Get(1, &i) && i >= 0 && i < list.Count() ? &list[i] : nullptr;
-    }
-
-private:
-    const cFile& m_File;
-    long long m_BytesLeft; // for elements that have not been announced yet
-    cStr m_Line;
-    cList<cStr> m_Tokens;
-};
 
 /// A vertex's share of a joint.
 struct cCodecMd5_JointValue {
@@ -94,15 +44,7 @@ class cCodecMd5_Mesh {
 public:
     /// @return false for a bad line, and at the end of the file
     bool Load(Lines& lines) {
-        while (lines.Next(s_BlanksAndMarks)) {
-            if (lines.Is("}")) {
-                return true;
-            }
-            if (lines.Count() > 0 && !LoadLine(lines)) {
-                return false;
-            }
-        }
-        return false;
+        return lines.ForBlock(cCodecMd5_BlanksAndMarks, [&] { return LoadLine(lines); });
     }
 
     /// Whether all that the mesh names is there. Lists may be sized behind the lines that name their elements.
@@ -166,7 +108,7 @@ public:
     bool Load(const cFile& file) {
         Lines lines(file);
         int joints = 0, meshes = 0; // read so far
-        while (lines.Next(s_Blanks)) {
+        while (lines.Next(cCodecMd5_Blanks)) {
             if (lines.Is("numJoints")) {
                 if (!lines.GetCount(s_JointBytes, &Joints)) {
                     return false;
@@ -226,16 +168,8 @@ public:
 private:
     /// @return false for a bad line, a joint past the list, and at the end of the file
     bool LoadJoints(Lines& lines, int* loaded) {
-        while (lines.Next(s_BlanksAndMarks)) {
-            if (lines.Is("}")) {
-                return true;
-            }
-            if (lines.Count() > 0 && !lines.Is("{") &&
-                (*loaded >= Joints.Count() || !LoadJoint(lines, &Joints[(*loaded)++]))) {
-                return false;
-            }
-        }
-        return false;
+        return lines.ForBlock(cCodecMd5_BlanksAndMarks,
+                              [&] { return *loaded < Joints.Count() && LoadJoint(lines, &Joints[(*loaded)++]); });
     }
 
     bool LoadJoint(const Lines& lines, cModel::Joint* out) const {
@@ -245,17 +179,10 @@ private:
             return false;
         }
         out->Name = lines[0];
-        // Of the two quaternions of a rotation the format stores the one of a negative w.
-        out->Orientation = cQuat(v, -std::sqrt(std::clamp(1.0f - v.LengthSq(), 0.0f, 1.0f)));
+        out->Orientation = cCodecMd5_Orientation(v);
         return true;
     }
 };
-
-cVec3 Transformed(const cVec3& p, const cMat4& m) {
-    const cVec4 v = cVec4(p, 1.0f) * m;
-    const cVec3 q(v.x, v.y, v.z);
-    return v.w == 1.0f ? q : q / v.w;
-}
 
 /// The four largest shares. Where there are more, the first is what the other three leave of 1.
 ///
@@ -285,12 +212,11 @@ bool cCodecMd5Model::Decode(const cFile& file, cModel* out) {
     if (!source.Load(file)) {
         return false;
     }
-    const cMat4 turn = cMat4::RotationX(-90), conversion = turn * cMat4::Scaling(0.5f, 0.5f, 0.5f);
-    const cQuat rotation = turn.ToQuat();
+    const cCodecMd5_Conversion conversion;
     out->Joints = std::move(source.Joints);
     for (cModel::Joint& joint : out->Joints) {
-        joint.Position = Transformed(joint.Position, conversion);
-        joint.Orientation = rotation * joint.Orientation;
+        joint.Position = conversion.Position(joint.Position);
+        joint.Orientation = conversion.Orientation(joint.Orientation);
     }
     cList<cCodecMd5_JointValue> shares;
     out->Meshes.SetCount(source.Meshes.Count());
@@ -304,7 +230,7 @@ bool cCodecMd5Model::Decode(const cFile& file, cModel* out) {
         mesh.AnimVertices.SetCount(from.Vertices.Count());
         for (int k = 0; k < from.Vertices.Count(); k++) {
             cVertex::Anim& vertex = mesh.AnimVertices[k];
-            vertex.Pos = Transformed(from.Vertices[k].Position, conversion);
+            vertex.Pos = conversion.Position(from.Vertices[k].Position);
             vertex.TexCoord = from.Vertices[k].TexCoord;
             SetWeights(from.Vertices[k], from.Weights, &shares, &vertex);
         }

@@ -10,6 +10,8 @@
 
 namespace trellis {
 
+struct cAnim_Joint;
+
 /// A model is static as a whole, with `Bump` vertices, or skinned, with `Anim` vertices and joints. It is data, and
 /// outlives a renderer; only its render buffers are tied to one. Indexes of vertices and joints are trusted.
 class cModel {
@@ -74,6 +76,14 @@ public:
 
     /// Fills the bump vertices of `out` with the bind pose, its indexes stay. Nothing happens for a static model.
     void GoToBindPose(cModel* out) const;
+
+    /// Fills the bump vertices of `out` with a pose of a skinned model; nothing happens for a static one. `out` may be
+    /// this model, another one gets its indexes as well. Joint indexes outside the list do not count; a vertex that
+    /// none is left for stays in the bind pose. Weights need not add up to 1, and vectors keep what length they get.
+    ///
+    /// @param joints  as `cAnim` makes them
+    void SetAnim(const cList<cAnim_Joint>& joints, cModel* out) const;
+    void SetAnimPlain(const cList<cAnim_Joint>& joints, cModel* out) const; ///< The same without SSE2, to the bit.
 
     /// Becomes a sphere: rings of `slices` + 1 vertices with a doubled seam, and a vertex per slice at each pole.
     ///

@@ -69,21 +69,10 @@ void cFont::Write(cFile* file) const {
     file->WriteInt(Padding);
 }
 
-const cFont::Glyph* cFont::Find(unsigned short code) const {
-    if (!Glyphs.IsEmpty()) { // most codes stand in the run that a table begins with
-        const int index = int(code) - int(Glyphs[0].Code);
-        if (index >= 0 && index < Glyphs.Count() && Glyphs[index].Code == code) {
-            return &Glyphs[index];
-        }
-    }
+const cFont::Glyph* cFont::FindSlowly(unsigned short code) const {
     const Glyph* glyph = std::lower_bound(Glyphs.begin(), Glyphs.end(), code,
                                           [](const Glyph& g, unsigned short c) { return g.Code < c; });
     return glyph != Glyphs.end() && glyph->Code == code ? glyph : nullptr;
-}
-
-const cFont::Glyph* cFont::FindOrPlaceholder(unsigned short code) const {
-    const Glyph* glyph = Find(code);
-    return glyph ? glyph : Glyphs.Count() > Placeholder ? &Glyphs[Placeholder] : nullptr;
 }
 
 } // namespace trellis

@@ -35,9 +35,16 @@ public:
     void Write(cFile* file) const; ///< The glyphs go out sorted.
     void Clear();
 
-    const Glyph* Find(unsigned short code) const; ///< Null when there is none.
+    const Glyph* Find(unsigned short code) const { ///< Null when there is none.
+        const Glyph* glyphs = Glyphs.Data();       // most codes stand in the run that a table begins with
+        const int index = glyphs ? int(code) - int(glyphs->Code) : -1;
+        return index >= 0 && index < Glyphs.Count() && glyphs[index].Code == code ? glyphs + index : FindSlowly(code);
+    }
     /// The glyph of a code, else the placeholder; null where the table is too short to have one.
-    const Glyph* FindOrPlaceholder(unsigned short code) const;
+    const Glyph* FindOrPlaceholder(unsigned short code) const {
+        const Glyph* glyph = Find(code);
+        return glyph ? glyph : Glyphs.Count() > Placeholder ? &Glyphs[Placeholder] : nullptr;
+    }
 
     static constexpr int MaxGlyphs = 65536;
     static constexpr int Placeholder = 31; ///< Index of the glyph that stands for what a font lacks.
@@ -47,6 +54,9 @@ public:
     int Height = 0;      ///< Of a line; also how fonts are compared in size.
     cList<Glyph> Glyphs; ///< Ascending by code.
     int Padding = 0;
+
+private:
+    const Glyph* FindSlowly(unsigned short code) const;
 };
 
 } // namespace trellis

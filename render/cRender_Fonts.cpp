@@ -45,8 +45,7 @@ void Grow(cRect* box, const cRect& by) {
     *box = {std::min(box->x0, by.x0), std::min(box->y0, by.y0), std::max(box->x1, by.x1), std::max(box->y1, by.y1)};
 }
 
-void AddGlyph(const cFont::Glyph& glyph, const cRect& quad, unsigned int color) {
-    Vertex* corners = cRender_AddQuad(&s_Vertices, &s_Indices);
+void SetGlyph(Vertex* corners, const cFont::Glyph& glyph, const cRect& quad, unsigned int color) {
     cRender_SetQuad(corners, quad);
     corners[0].TexCoord = {glyph.U0, glyph.V0};
     corners[1].TexCoord = {glyph.U0, glyph.V1};
@@ -64,8 +63,8 @@ cRect LayOut(const cFont& font, float x, float y, int flags, unsigned int color)
     const float padding = float(font.Padding);
     cRect ink = cRect::Empty;
     cVec2 pen(x, y);
-    s_Vertices.Clear();
-    s_Indices.Clear();
+    s_Vertices.SetCount(draws ? 4 * s_Codes.Count() : 0); // at most
+    Vertex* corners = s_Vertices.Data();
     for (unsigned short code : s_Codes) {
         const cFont::Glyph* glyph = font.FindOrPlaceholder(code);
         if (!glyph) {
@@ -78,10 +77,14 @@ cRect LayOut(const cFont& font, float x, float y, int flags, unsigned int color)
                 Grow(&ink, cRect(quad.x0 + padding, quad.y0 + padding, quad.x1 - padding, quad.y1 - padding));
             }
             if (draws) {
-                AddGlyph(*glyph, quad, color);
+                SetGlyph(corners, *glyph, quad, color);
+                corners += 4;
             }
         }
         pen += cVec2(glyph->AdvanceX, glyph->AdvanceY);
+    }
+    if (draws) {
+        s_Vertices.SetCount(int(corners - s_Vertices.Data()));
     }
     return tight ? ink : cRect(x, y - float(font.Height), pen.x, y);
 }
@@ -108,6 +111,16 @@ cVec2 ShiftOf(const cFont& font, const cRect& box, float x, float y, int flags) 
     return shift;
 }
 
+/// Of the quads, which are the same for all texts.
+const int* QuadIndices(int quads) {
+    for (int quad = s_Indices.Count() / 6; quad < quads; quad++) {
+        for (const int index : cRender_QuadIndices) {
+            s_Indices.Add(quad * 4 + index);
+        }
+    }
+    return s_Indices.Data();
+}
+
 void DrawGlyphs(int texture) {
     static const int s_Shader = cRender::GetShaderID("Font", Vertex::FormatID);
     static const int s_Glyphs = cRender::GetSamplerID(s_Shader, "s_Glyphs");
@@ -117,8 +130,9 @@ void DrawGlyphs(int texture) {
     cRender::SetWireframe(false);
     cRender_SetShapeState(s_Shader);
     cRender::SetTexture(s_Glyphs, texture, s_SamplerState);
-    cRender::DrawIndexed(cTopology::TriangleList, s_Vertices.Data(), s_Vertices.Count(), s_Indices.Data(),
-                         s_Indices.Count(), 4);
+    const int quads = s_Vertices.Count() / 4;
+    cRender::DrawIndexed(cTopology::TriangleList, s_Vertices.Data(), s_Vertices.Count(), QuadIndices(quads), quads * 6,
+                         4);
     cRender::SetWireframe(wireframe);
 }
 

@@ -1,5 +1,6 @@
 #include "view/cTransform.h"
 
+#include "math/cQuat.h"
 #include "ui/cWidgets.h"
 #include "view/cMoveTool.h"
 #include "view/cRotateTool.h"
@@ -15,6 +16,10 @@ void cTransform::RegisterMembers() {
     members.Add<_cFloat3>(Scale, "Scale");
     members.Add<_cFloat3>(Rotate, "Rotate");
     members.Add<_cFloat3>(Translate, "Translate");
+}
+
+cMat4 cTransform::GetMatrix() const {
+    return cMat4::Scaling(Scale) * cMat4(Rotate.ToQuat().ToMat3(), Translate);
 }
 
 void cTransform::CreateTools() {

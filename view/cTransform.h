@@ -24,6 +24,7 @@ public:
     void CreateTools(); ///< Those that `g_ManipulatorsType` names, in place of the former ones.
     void FreeTools();
     void SetParentTransform(const cMat4& parent) { m_Parent = parent; }
+    cMat4 GetMatrix() const; ///< Without the parent.
 
     cVec3 Scale;
     cAngles Rotate; ///< Degrees.
