@@ -27,10 +27,6 @@ FrameJoint Mix(const FrameJoint& a, const FrameJoint& b, float t) {
             cVec3::Lerp(a.Scale, b.Scale, t)};
 }
 
-cBounds Mix(const cBounds& a, const cBounds& b, float t) {
-    return {cVec3::Lerp(a.min, b.min, t), cVec3::Lerp(a.max, b.max, t)};
-}
-
 /// Whether a box takes no part in mixing. z does not tell: an empty box is crossed in all axes.
 bool IsWithoutPull(const cBounds& box) {
     return box.min[0] > box.max[0] || box.min[1] > box.max[1];
@@ -141,7 +137,8 @@ cBounds cAnim::BoxAt(const Place& place) const {
     if (place.From < 0 || place.To >= Bounds.Count()) {
         return cBounds::Empty; // boxes are optional to whoever makes a clip by hand
     }
-    return place.From == place.To ? Bounds[place.From] : Mix(Bounds[place.From], Bounds[place.To], place.Fraction);
+    return place.From == place.To ? Bounds[place.From]
+                                  : cBounds::Lerp(Bounds[place.From], Bounds[place.To], place.Fraction);
 }
 
 void cAnim::SetPlace(const Place& place, cList<FrameJoint>* out) const {
@@ -240,7 +237,7 @@ cBounds cAnim::Blend(const cList<const cAnim*>& anims, const cList<float>& times
     for (int i = count - 2; i >= 0; i--) {
         const cBounds other = anims[i]->BoxAt(anims[i]->PlaceAt(times[i]));
         if (!IsWithoutPull(other)) {
-            box = IsWithoutPull(box) ? other : Mix(other, box, sources[i].Rest);
+            box = IsWithoutPull(box) ? other : cBounds::Lerp(other, box, sources[i].Rest);
         }
     }
     return box;

@@ -75,8 +75,8 @@ public:
     /// than 2 would be left.
     void Crop(float from, float to);
 
-    /// The same duration at another rate, both ends kept. Nothing happens for a rate below 1, for fewer than 2 frames,
-    /// for a clip that has no rate, and for more frames than an int counts.
+    /// About the same duration at another rate, both ends kept. Nothing happens for a rate below 1, for fewer than 2
+    /// frames, for a clip that has no rate, and for more frames than an int counts.
     void ReSample(int frameRate);
 
     void Transform(const cMat4& matrix); ///< Also updates the boxes, by the joints.

@@ -107,7 +107,7 @@ bool cCamera::Step(State* state, float deltaSec) const {
     }
 
     bool looped = false;
-    state->TimeSec += deltaSec;
+    state->TimeSec += std::isnan(deltaSec) ? 0 : deltaSec;
     if (isForward) {
         if (state->TimeSec > GetEndTimeSec(state->CurCamera)) {
             looped = state->CurCamera + 1 == count;

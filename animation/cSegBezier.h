@@ -27,7 +27,7 @@ public:
     void Split(cSegBezier* first, cSegBezier* second) const; ///< At 0.5, by de Casteljau. Neither may be this one.
 
     /// Whether the controls stand at the thirds of the chord, within that squared error. The curve is then no farther
-    /// from the chord, and runs along it at an even pace. True as well where a point is not finite.
+    /// from the chord, and runs along it at an even pace. True as well where that distance is beyond float.
     bool IsFlat(float maxErrSq) const;
 
     /// @param maxErrSq  squared error, see `IsFlat`

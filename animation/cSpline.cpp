@@ -120,6 +120,15 @@ cStr cSpline::ToString() {
     return "Spline";
 }
 
+bool cSpline::FullCopy(void* src, void* srcExtra, cClass* dstClass, void* dst, void* dstExtra,
+                       cClassCopyContext* context) {
+    const bool isCopied = cClass::FullCopy(src, srcExtra, dstClass, dst, dstExtra, context);
+    if (auto* spline = dynamic_cast<cSpline*>(static_cast<cClass*>(dst))) {
+        spline->Segments.Clear();
+    }
+    return isCopied;
+}
+
 bool cSpline::Load(cXml& node, void* data, cErrorPager* pager, void* extra) {
     const bool isLoaded = cClass::Load(node, data, pager, extra);
     if (data == static_cast<cClass*>(this)) { // else it has gone on to the object
@@ -333,7 +342,7 @@ cSpline::Place cSpline::CalcClosestPointPlaceAccurate(const cVec3& point, float 
     cList<ClosestPointRef>& refs = s_Refs;
     refs.SetCount(Segments.Count());
     for (int i = 0; i < Segments.Count(); i++) {
-        const float outside = std::max(cVec3::Distance(point, Segments[i].Center) - Segments[i].Radius, 0.0f);
+        const float outside = std::max(0.0f, cVec3::Distance(point, Segments[i].Center) - Segments[i].Radius); // NaN: 0
         refs[i] = {i, outside * outside};
     }
     refs.Sort(ClosestPointRef::Cmp);

@@ -47,6 +47,8 @@ public:
     void CustomDtor() override { FreeTools(); }
     cStr ToString() override; ///< "Spline", or "1. Spline" in a list of splines.
     bool Load(cXml& node, void* data, cErrorPager* pager, void* extra) override;
+    bool FullCopy(void* src, void* srcExtra, cClass* dstClass, void* dst, void* dstExtra,
+                  cClassCopyContext* context) override;
 
     void EnsureCache() const; ///< Fills the cache if it is empty.
     void FillCache() const;   ///< From the nodes as they are now. Allocates nothing once there is the capacity.

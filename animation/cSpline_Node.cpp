@@ -62,6 +62,25 @@ void cSpline_Node::CreateTools() {
     }
 }
 
+// What is loaded or copied is no drag.
+
+bool cSpline_Node::Load(cXml& node, void* data, cErrorPager* pager, void* extra) {
+    const bool isLoaded = cClass::Load(node, data, pager, extra);
+    if (data == static_cast<cClass*>(this)) { // else it has gone on to the object
+        Set(CV0, EP, CV1);
+    }
+    return isLoaded;
+}
+
+bool cSpline_Node::FullCopy(void* src, void* srcExtra, cClass* dstClass, void* dst, void* dstExtra,
+                            cClassCopyContext* context) {
+    const bool isCopied = cClass::FullCopy(src, srcExtra, dstClass, dst, dstExtra, context);
+    if (auto* node = dynamic_cast<cSpline_Node*>(static_cast<cClass*>(dst))) {
+        node->Set(node->CV0, node->EP, node->CV1);
+    }
+    return isCopied;
+}
+
 void cSpline_Node::FreeTools() {
     for (cMoveTool*& tool : m_Tools) {
         cManipulator::Free(tool);

@@ -22,6 +22,10 @@ public:
     void CustomDtor() override { FreeTools(); }
     cStr ToString() override; ///< "1. Node", counted in the list it stands in.
 
+    bool Load(cXml& node, void* data, cErrorPager* pager, void* extra) override;
+    bool FullCopy(void* src, void* srcExtra, cClass* dstClass, void* dst, void* dstExtra,
+                  cClassCopyContext* context) override;
+
     void Set(const cVec3& cv0, const cVec3& ep, const cVec3& cv1); ///< As they are: nothing is dragged along.
 
     void CreateTools(); ///< Those that are missing.

@@ -52,13 +52,14 @@ void cSpline::SetUniformSampled() {
     struct Sample {
         cVec3 Value, Third;
     };
+    constexpr int MostNodes = 1'000'000; // a number in a file must not take all memory
     const int count = std::max(SetUniformSampledNodeCount, 3);
     if (!cMessageBox::YesNo(
             "Confirm Set Uniform Sampled",
             cStr::Format("Are you sure you want to set uniform sampled spline with %d nodes ?", count).Text())) {
         return;
     }
-    if (CountNodes() < 2) {
+    if (CountNodes() < 2 || count > MostNodes) {
         return;
     }
     Segments.Clear(); // the nodes may have been edited since

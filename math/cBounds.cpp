@@ -88,4 +88,8 @@ cBounds cBounds::Transform(const cBounds& bounds, const cMat4& m) {
     return FromPoints(corners, 8);
 }
 
+cBounds cBounds::Lerp(const cBounds& a, const cBounds& b, float t) {
+    return {cVec3::Lerp(a.min, b.min, t), cVec3::Lerp(a.max, b.max, t)};
+}
+
 } // namespace trellis

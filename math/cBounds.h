@@ -37,6 +37,7 @@ public:
 
     /// The box around the eight transformed corners; an empty box stays as it is.
     static cBounds Transform(const cBounds& bounds, const cMat4& m);
+    static cBounds Lerp(const cBounds& a, const cBounds& b, float t); ///< Of both corners.
     void Transform(const cMat4& m) { *this = Transform(*this, m); }
 
     static const cBounds Zero;

@@ -277,7 +277,8 @@ bool cModel::RayIntersection(const cVec3& origin, const cVec3& direction, float*
 }
 
 const cList<cMat4>& cModel::GetBindPoseInv() const {
-    if (BindPoseInv.IsEmpty()) {
+    if (BindPoseInv.Count() != Joints.Count()) {
+        BindPoseInv.Clear();
         for (const Joint& joint : Joints) {
             BindPoseInv.Add(cMat4::Translation(-joint.Position) * joint.Orientation.Conjugate().ToMat4());
         }

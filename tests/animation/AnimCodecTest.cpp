@@ -118,7 +118,9 @@ TEST(CodecAnim, WrapsBeyondItsRangeAndWritesOnlyWhatFits) {
     EXPECT_TRUE(refuses([&] { anim.Joints[0].Parent = 1; }));
     EXPECT_TRUE(refuses([&] { anim.Joints.Add({"b", 0}); }));
     EXPECT_TRUE(refuses([&] { anim.Bounds.Clear(); }));
-    EXPECT_TRUE(refuses([&] { anim.Joints[0].Name.SetLength(32768); }));
+    EXPECT_TRUE(refuses([&] { anim.Joints[0].Name = std::string(32768, 'n').c_str(); }));
+    EXPECT_FALSE(refuses([&] { anim.Joints[0].Name = std::string(32767, 'n').c_str(); }));
+    EXPECT_TRUE(refuses([&] { anim.Joints[0].Parent = -2; }));
 }
 
 // The root moves along x and turns to the angle of its z; the arm keeps its base frame.

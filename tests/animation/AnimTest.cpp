@@ -230,8 +230,10 @@ TEST(Anim, Edits) {
         anim = Clip({0, 4, 8}, 2);
         anim.ReSample(r.Rate);
         EXPECT_EQ(anim.FrameRate, r.FrameRate);
-        EXPECT_EQ(anim.Bounds.Count(), anim.Frames.Count());
+        ASSERT_EQ(anim.Bounds.Count(), anim.Frames.Count());
         EXPECT_EQ(Xs(anim), r.Left);
+        EXPECT_FLOAT_EQ(anim.Bounds[anim.Bounds.Count() - 1].max[0],
+                        anim.Frames[anim.Frames.Count() - 1][0].Position.x);
     }
     anim = Clip({1, 2}, 0);
     anim.ReSample(5);

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -190,7 +191,7 @@ TEST(Spline, SearchesEndWhateverTheNumbers) {
                 EXPECT_TRUE(place.Segment == 0 && place.t >= 0 && place.t <= 1);
             }
         }
-        if (!(std::fabs(size) > 1) || size == inf) { // what is just large asks for a million nodes
+        if (!(std::fabs(size) > 1) || size == inf) { // what is just large asks for very many nodes
             spline.SetAdaptiveSampled();
             EXPECT_EQ(spline.Nodes.Count(), 2);
         }
@@ -360,10 +361,30 @@ TEST(Spline, CacheAndQueriesAllocateNothing) {
     EXPECT_EQ(allocations, 0);
 }
 
-TEST(Spline, LoadingEmptiesTheCache) {
-    cSpline spline, other;
+TEST(Spline, OneWildSegmentHidesNoOther) {
+    cSpline spline;
     MakeStraight(spline);
+    const cVec3 onIt = spline.GetValueByTime(0.9f);
+    spline.Nodes.Get(0)->CV1 = {1e30f, 0, 0};
+    spline.Segments.Clear();
+    const cSpline::Place place = spline.CalcClosestPointPlaceAccurate(onIt, 1e-6f);
+    EXPECT_LT(cVec3::Distance(spline.GetValue(place), onIt), 0.01f);
+    spline.SetUniformSampledNodeCount = INT_MAX;
+    cMessageBox::SetHandler([](const char*, const char*) { return true; });
+    const int nodes = spline.Nodes.Count();
+    spline.SetUniformSampled();
+    EXPECT_EQ(spline.Nodes.Count(), nodes) << "more than there is memory for";
+    cMessageBox::SetHandler(nullptr);
+}
+
+TEST(Spline, LoadingEmptiesTheCache) {
+    cSpline spline, other, copied;
+    MakeStraight(copied);
+    EXPECT_GT(copied.GetTotalLength(), 0);
     MakeRandom(other, 2, 8, 10);
+    other.FullCopy(static_cast<cClass*>(&other), nullptr, &copied, static_cast<cClass*>(&copied), nullptr, nullptr);
+    EXPECT_FLOAT_EQ(copied.GetTotalLength(), other.GetTotalLength());
+    MakeStraight(spline);
     cStr text;
     ASSERT_TRUE(other.WriteToString(&text));
     EXPECT_NEAR(spline.GetTotalLength(), 40, 1e-3f);
