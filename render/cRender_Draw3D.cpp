@@ -343,7 +343,7 @@ void cRender::DrawSector(const cVec3& center, float radius, const cVec3& from, c
 
 void cRender::FillCirclesCurShader(const cVec3* centers, const float* radii, int count, const cVec3& normal,
                                    int segments) {
-    if (count < 1 || segments < 1) {
+    if (count < 1) {
         return;
     }
     segments = ClampSegments(segments);
@@ -361,8 +361,6 @@ void cRender::FillCirclesCurShader(const cVec3* centers, const float* radii, int
             s_Indices.Add(first + index);
         }
     }
-    SetDepthState(-1);
-    SetCullMode(cCullMode::None);
     DrawLists(cTopology::TriangleList);
 }
 

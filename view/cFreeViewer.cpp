@@ -41,6 +41,12 @@ int ModeOfButton(int code) {
     }
 }
 
+/// Of unit length, also where the square is no float; what has no direction stays.
+cVec3 Unit(const cVec3& v) {
+    const float most = std::max({std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)});
+    return most > 0 && std::isfinite(most) ? cVec3::Normalize(v / most) : v;
+}
+
 cQuat Turn(const cVec3& axis, float degrees) {
     return cMat3::Rotation(axis, degrees).ToQuat();
 }
@@ -165,10 +171,9 @@ void cFreeViewer::Transform(const cMat4& transform) {
     cVec3 forward, up;
     Orient.ToMat3().ToVectors(&forward, nullptr, &up);
     const auto turned = [&transform](const cVec3& v) { return v * transform - cVec3::Zero * transform; };
-    forward = turned(forward);
-    const cVec3 right = cVec3::Cross(forward, turned(up));
+    forward = Unit(turned(forward));
+    const cVec3 right = cVec3::Cross(forward, Unit(turned(up)));
     if (right.LengthSq() > 0) { // a scaling keeps no right angles: the view's own direction goes first
-        forward = cVec3::Normalize(forward);
         const cVec3 side = cVec3::Normalize(right);
         Orient = cMat3::FromVectors(forward, side, cVec3::Cross(side, forward)).ToQuat();
     }
@@ -199,6 +204,9 @@ void cFreeViewer::Frame(const cBounds& bounds, const cMat4& transform, const cRe
     const cVec2 from = ScreenToClip({room.x0, room.y0}), to = ScreenToClip({room.x1, room.y1});
     cVec3 eye = (low + high) * 0.5f;
     const cVec3 middle = eye;
+    if (!std::isfinite((high - low).Length()) || !std::isfinite(middle.Length())) {
+        return; // as large as no lens
+    }
     if (IsOrthoView) {
         const cVec3 size = high - low;
         const float scale =
@@ -226,8 +234,9 @@ void cFreeViewer::Frame(const cBounds& bounds, const cMat4& transform, const cRe
         Distance = middle.z - eye.z;
     }
     // The pivot is straight ahead, or, where the area is not in the middle of the picture, in the box all the same.
-    constexpr float Off = 1e-3f;
-    HasOverrideCenter = std::fabs(from.x + to.x) > Off || std::fabs(from.y + to.y) > Off;
+    constexpr float OffPixels = 2;
+    HasOverrideCenter = std::fabs(from.x + to.x) * 0.5f * HalfSize.x > OffPixels ||
+                        std::fabs(from.y + to.y) * 0.5f * HalfSize.y > OffPixels;
     const cVec3& pivot = HasOverrideCenter ? middle : eye;
     CenterOffset = {eye.x - pivot.x, eye.y - pivot.y};
     Center = Right * pivot.x + Up * pivot.y + Forward * middle.z;
@@ -238,7 +247,7 @@ void cFreeViewer::Frame(const cBounds& bounds, const cMat4& transform, const cRe
 
 void cFreeViewer::Step(const cVec2& delta, const cVec3& right, const cVec3& up) {
     if (IsOrthoView && OrthoScaleTarget == 0) {
-        return; // a point of the world is nowhere on the screen
+        return Update(); // a point of the world is nowhere on the screen
     }
     // The constant keeps tracking alive at a distance of 0.
     const cVec2 step = IsOrthoView ? delta / OrthoScaleTarget : delta * (TrackSpeed * (std::fabs(Distance) + 10));
@@ -257,7 +266,7 @@ void cFreeViewer::Track(const cVec2& delta) {
 
 void cFreeViewer::PlaneTrack(const cVec2& delta, const cVec3& normal) {
     CalcAxes();
-    const cVec3 n = normal.LengthSq() > 0 ? cVec3::Normalize(normal) : normal;
+    const cVec3 n = Unit(normal);
     const auto within = [&n](const cVec3& v) { return cVec3::Cross(n, cVec3::Cross(v, n)); };
     Step(delta, within(Right), within(Up));
 }

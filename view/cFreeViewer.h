@@ -69,8 +69,9 @@ public:
     void Aim(float distance);
     void Transform(const cMat4& transform); ///< Of pivot and orientation: the viewer moves with what it looks at.
 
-    /// Moves the eye, straight or sideways, to where the box just fits, and the pivot into the box. Nothing happens for
-    /// an empty box, or without room.
+    /// Moves the eye, straight or sideways, to where the box just fits, and the pivot into the box: straight ahead, or,
+    /// for an area off the middle of the picture, by `OverrideCenter`. Nothing happens for an empty box, or without
+    /// room.
     ///
     /// @param transform  of the box to the world
     /// @param area       pixels, the part of the viewport to fit into; the whole when it is empty

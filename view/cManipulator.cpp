@@ -21,6 +21,10 @@ const cViewer* Viewer() {
     return cRender::GetViewer();
 }
 
+bool IsAlong(const cSeg& axis, const cSeg& ray) {
+    return cVec3::Cross(axis.direction, ray.direction).Length() < Eps;
+}
+
 bool IsFinite(const cVec3& v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
 }
@@ -83,8 +87,9 @@ bool cManipulator::CalcFrame() {
     const cVec3 toEye = viewer->IsParallel() ? -viewer->Forward : viewer->GetEye() - center;
     // By the depth, and not the distance, to the eye: the size on the screen is then the same everywhere on it.
     const float depth = std::fabs(cVec3::Dot(toEye, viewer->Forward));
+    const cMat4& lens = viewer->Projection; // the one in use, whichever way the picture is turned
     const float height = viewer->IsParallel() ? 2 * viewer->HalfSize.y / viewer->OrthoScale
-                                              : 2 * depth * std::tan(viewer->FovY * 0.5f * cMath::RadsPerDeg);
+                                              : 2 * depth / std::hypot(lens(1, 0), lens(1, 1));
     const float pixel = height / (2 * viewer->HalfSize.y);
     if (!IsFinite(center) || !IsFinite(toEye) || !std::isfinite(pixel)) {
         return false;
@@ -162,8 +167,8 @@ bool cManipulator::HitPlane(const cSeg& ray, cVec3* hit) const {
 }
 
 bool cManipulator::HitAxis(const cSeg& axis, const cSeg& ray, cVec3* hit) {
-    if (cVec3::Cross(axis.direction, ray.direction).Length() < Eps) {
-        return false; // along the axis any point would do
+    if (IsAlong(axis, ray)) {
+        return false; // any point would do
     }
     cVec3 onAxis, onRay;
     cSeg::ClosestPoints(cSeg::Line, axis, cSeg::Ray, ray, onAxis, onRay);
@@ -179,6 +184,9 @@ int cManipulator::NearestAxis(const cSeg& ray) const {
     int best = Mode::None;
     float bestDistance = Pixel * TolerancePixels;
     for (int i = 0; i < 3; i++) {
+        if (IsAlong(Axes[i], ray)) {
+            continue; // it could not be dragged
+        }
         cVec3 onAxis, onRay;
         cSeg::ClosestPoints(cSeg::Segment, Axes[i], cSeg::Ray, ray, onAxis, onRay);
         const float distance = (onAxis - onRay).Length();

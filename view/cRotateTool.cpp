@@ -110,6 +110,7 @@ bool cRotateTool::Hit(Mode::Enum mode, const cSeg& ray, cVec3* hit) const {
 
 bool cRotateTool::BeginDrag() {
     StartAngles = *Orient;
+    m_HasTurned = false;
     StartCenter = Center;
     return true;
 }
@@ -131,8 +132,11 @@ void cRotateTool::Drag(const cVec3& hit) {
     }
     const cVec3 normal = cVec3::Cross(a, b);
     const float cosine = cVec3::Dot(a, b) / lengths;
-    if (cosine >= 1) {
-        return; // no way between them
+    if (cosine >= 1) { // no way between them
+        if (m_HasTurned) {
+            *Orient = StartAngles;
+        }
+        return;
     }
     float angle = cosine <= -1 ? 180 : std::acos(cosine) * cMath::DegsPerRad;
     if (CurMode != Mode::Free) {
@@ -160,6 +164,7 @@ void cRotateTool::Drag(const cVec3& hit) {
             return;
         }
     }
+    m_HasTurned = true;
     *Orient = to;
 }
 

@@ -28,6 +28,7 @@ protected:
     void Drag(const cVec3& hit) override;
 
 private:
+    bool m_HasTurned = false; // in this drag
     bool HitSphere(const cSeg& ray, cVec3* hit) const;
     float DistanceToRing(const cSeg& ray, const cVec3& axis, cVec3 hit) const;
 };

@@ -50,7 +50,8 @@ float cScaleTool::DistanceOf(const cVec3& p) const {
 
 bool cScaleTool::BeginDrag() {
     constexpr float LeastPixels = 4; // from closer by, any motion would be too much
-    if (!Scale || !(std::fabs(DistanceOf(StartHit)) >= LeastPixels * Pixel)) {
+    m_StartDistance = DistanceOf(StartHit);
+    if (!Scale || !(std::fabs(m_StartDistance) >= LeastPixels * Pixel)) {
         return false;
     }
     StartScale = *Scale;
@@ -62,7 +63,7 @@ void cScaleTool::Drag(const cVec3& hit) {
     if (!Scale) {
         return;
     }
-    const float ratio = DistanceOf(hit) / DistanceOf(StartHit);
+    const float ratio = DistanceOf(hit) / m_StartDistance;
     for (int i = 0; i < 3; i++) {
         float& v = (*Scale)[i];
         if (CurMode == Mode::Free || CurMode == Mode::X + i) {

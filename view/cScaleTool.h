@@ -30,7 +30,9 @@ protected:
 private:
     cSeg FreeLine() const;
     float DistanceOf(const cVec3& p) const; // from the centre
-    cSeg Along() const;                     // what the present mode measures along
+
+    float m_StartDistance = 1;
+    cSeg Along() const; // what the present mode measures along
 };
 
 } // namespace trellis

@@ -375,7 +375,8 @@ TEST_F(FreeViewer, FramesABox) {
             V->IsOrthoView = isOrtho;
             V->Viewport = {0, 0, 700, 500}; // since the last update
             V->Frame(cBounds({-1, -2, -3}, {4, 5, 6}), transform, area);
-            ExpectNear(V->Center, cVec3(1.5f, 1.5f, 1.5f) * transform, 8);
+            ExpectNear(V->Center, cVec3(1.5f, 1.5f, 1.5f) * transform, 1e-3f);
+            EXPECT_TRUE(V->HasOverrideCenter);
             const cVec3 eye = V->Position;
             V->Viewport = {5, 5, 5, 5};
             V->Frame(cBounds({-1, -2, -3}, {4, 5, 6}), transform, cRect::Empty);

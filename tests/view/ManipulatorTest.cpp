@@ -154,7 +154,7 @@ TEST_F(Manipulators, SnapTheMovedComponents) {
     Drag(from, from + cVec3(0.74f, 0, 0));
     ExpectNear(Pos, {0.5f, 0.3f, 0.4f}, 1e-6f);
 
-    LookFrom({0, 0, 10}); // the plane is across Z, which stays as it is
+    LookFrom({0, 0, 10}); // the plane is across Z, which stays as it is, and cannot be grasped end-on
     Pos = {0, 0, 0.4f};
     tool->CalcFrame();
     MoveTo(Pos - (Viewer.Right + Viewer.Up) * 0.5f * tool->Radius);
@@ -240,6 +240,11 @@ TEST_F(Manipulators, TheSphereTurnsFreely) {
     const cQuat start = cAngles(10, 20, 30).ToQuat();
     const cQuat by = Angles.ToQuat() * cQuat::Invert(start);
     ExpectNear(cQuat::Rotate(from, by), to, 0.02f); // what was under the hand still is
+    const cAngles turned = Angles;
+    MoveTo(Pos + from * tool->Radius); // back
+    EXPECT_EQ(Angles, cAngles(10, 20, 30));
+    MoveTo(Pos + to * tool->Radius);
+    EXPECT_EQ(Angles, turned);
     g_ManipulatorsSnap = 15;
     MoveTo(Pos + (to + Viewer.Up * 0.01f) * tool->Radius);
     for (const float v : {Angles.x, Angles.y, Angles.z}) {
