@@ -110,9 +110,7 @@ const cList<cCollisionMesh::Triangle>& cCollisionMesh::Gather(const cVec3& cente
     s_Near.Clear();
     Bsp.GetTrianglesNear(center, radius, low, high, &s_Found);
     for (const cBsp::Triangle* t : s_Found) {
-        if (std::fabs(t->Plane.SignedDistance(center)) < radius) {
-            s_Near.Add({{t->Corners[0], t->Corners[1], t->Corners[2]}, t->Plane, t->Data});
-        }
+        s_Near.Add({{t->Corners[0], t->Corners[1], t->Corners[2]}, t->Plane, t->Data});
     }
     return s_Near;
 }
@@ -128,12 +126,15 @@ bool cCollisionMesh::Collide(const cVec3& from, cVec3* to, cVec3* velocity, floa
     args.NormalFactor = normalFactor;
     args.TangentFactor = tangentFactor;
     ProcessCollision(args);
+    if (args.Iterations == 0) { // what was free to go is not rounded by the radii
+        if (args.Destination == args.Position) {
+            *to = from;
+        }
+        return false;
+    }
     *to = Multiply(args.Destination, Radii);
     if (velocity) {
         *velocity = Multiply(args.Velocity, Radii);
-    }
-    if (args.Iterations == 0) {
-        return false;
     }
     if (slideNormal) {
         *slideNormal = NormalToWorld(args.FirstSlideNormal, Radii);
@@ -319,9 +320,13 @@ bool cCollisionMesh::Fix(cVec3* position) const {
     CollisionArgs args;
     cVec3 at = Divide(*position, Radii);
     args.Triangles = &Gather(at, s_Reach, cVec3::Infinity * -1.0f, cVec3::Infinity);
-    for (int pass = 0; pass < MaxIterations && ProcessFix(args, &at); pass++) {
+    int pass = 0;
+    while (pass < MaxIterations && ProcessFix(args, &at)) {
+        pass++;
     }
-    *position = Multiply(at, Radii);
+    if (pass > 0) {
+        *position = Multiply(at, Radii);
+    }
     return false;
 }
 

@@ -211,7 +211,11 @@ template <class Slope> void cIsoSurface::AddVertex(Edge& edge, const Slope& slop
     }
     const cVec3 p = edge.A->Position + (edge.B->Position - edge.A->Position) * t;
     const cVec3 down = slope(p);
-    edge.Vertex = mesh.BumpVertices.Add({p, down.LengthSq() > 0 ? cVec3::Normalize(down) : down, {}, {}, {}});
+    edge.Vertex = mesh.BumpVertices.Count();
+    mesh.BumpVertices.SetCount(edge.Vertex + 1);
+    cVertex::Bump& vertex = mesh.BumpVertices[edge.Vertex];
+    vertex.Pos = p;
+    vertex.Normal = down.LengthSq() > 0 ? cVec3::Normalize(down) : down;
     m_Crossed.Add(&edge);
 }
 

@@ -7,25 +7,6 @@
 
 namespace trellis {
 
-namespace {
-
-/// 0: no key of the closed box.
-int StepOf(int code) {
-    switch (code) {
-    case cInput::Left:
-    case cInput::LeftThumbLeft:
-    case cInput::RightThumbLeft:
-        return -1;
-    case cInput::Right:
-    case cInput::LeftThumbRight:
-    case cInput::RightThumbRight:
-        return 1;
-    }
-    return 0;
-}
-
-} // namespace
-
 cComboBox::cComboBox(cWnd* parent, int* value, const cList<cStr>& items, const char* text, float x, float y, int align,
                      bool visible, bool enabled)
     : cControl(parent, text, x, y, align, visible, enabled), m_Value(value), m_Items(items) {

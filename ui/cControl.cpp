@@ -146,6 +146,20 @@ bool cControl::IsLive() {
     return IsVisible() && IsEnabled() && GetFormState() != 0 && !GetParentClient().IsEmpty();
 }
 
+int cControl::StepOf(int code) {
+    switch (code) {
+    case cInput::Left:
+    case cInput::LeftThumbLeft:
+    case cInput::RightThumbLeft:
+        return -1;
+    case cInput::Right:
+    case cInput::LeftThumbRight:
+    case cInput::RightThumbRight:
+        return 1;
+    }
+    return 0;
+}
+
 bool cControl::IsPressKey(int code) {
     return (code == cInput::Enter || code == cInput::Space || code == cInput::ButtonA) && HasFocus(this);
 }

@@ -81,6 +81,7 @@ protected:
     bool Capture(int code);      ///< And activates the form. @return false: someone else has the capture, or the
                                  ///< control is gone
     bool IsPressKey(int code);   ///< A key that presses the control which has the focus.
+    static int StepOf(int code); ///< -1 or 1 for a key or thumb stick to the left or right, else 0.
 
     cRect m_RelLabel = cRect::Empty;
     cRect m_RelValue = cRect::Empty;

@@ -7,25 +7,6 @@
 
 namespace trellis {
 
-namespace {
-
-/// -1 or 1 for a key that slides, else 0.
-int DirectionOf(int code) {
-    switch (code) {
-    case cInput::Left:
-    case cInput::LeftThumbLeft:
-    case cInput::RightThumbLeft:
-        return -1;
-    case cInput::Right:
-    case cInput::LeftThumbRight:
-    case cInput::RightThumbRight:
-        return 1;
-    }
-    return 0;
-}
-
-} // namespace
-
 cSlider::cSlider(cWnd* parent, float* value, const float* min, const float* max, const char* text, float x, float y,
                  int align, bool visible, bool enabled)
     : cControl(parent, text, x, y, align, visible, enabled), m_Value(value), m_Min(min), m_Max(max) {
@@ -79,7 +60,7 @@ void cSlider::SlideToMouse() {
 }
 
 bool cSlider::HandleSliding(int code) {
-    const int direction = DirectionOf(code);
+    const int direction = StepOf(code);
     if (direction == 0) {
         return false;
     }
@@ -180,7 +161,7 @@ bool cSlider::OnChar(int, int code) {
     if (!IsLive() || !HasFocus(this)) {
         return false;
     }
-    if (DirectionOf(code) == 0) {
+    if (StepOf(code) == 0) {
         return Jump(code);
     }
     if (Hold(code)) { // before the step: the message tells where it began

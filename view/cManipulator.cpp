@@ -57,6 +57,12 @@ void cManipulator::Free(cManipulator* tool) {
     cWidgets::FreeWidget(tool, true);
 }
 
+void cManipulator::Bind(cAngles* orient, cVec3* pos, cSpace::Enum space) {
+    Orient = orient;
+    Pos = pos;
+    Space = space;
+}
+
 void cManipulator::SetParent(const cMat4& parent) {
     Parent = parent;
     HasParentInverse = cMat4::Invert(parent, &ParentInverse);

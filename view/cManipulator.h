@@ -95,6 +95,8 @@ public:
     float Pixel = 0;           ///< Units of the world at the centre.
 
 protected:
+    void Bind(cAngles* orient, cVec3* pos, cSpace::Enum space);
+
     static constexpr float TolerancePixels = 7;
 
     virtual float Length() const = 0;       ///< Of the axes, pixels.

@@ -10,12 +10,6 @@ void cMoveTool::Bind(cVec3* pos) {
     Bind(nullptr, pos, cSpace::World);
 }
 
-void cMoveTool::Bind(cAngles* orient, cVec3* pos, cSpace::Enum space) {
-    Orient = orient;
-    Pos = pos;
-    Space = space;
-}
-
 cManipulator::Mode::Enum cMoveTool::Pick(const cSeg& ray) {
     if (!Pos) {
         return Mode::None;

@@ -12,7 +12,7 @@ public:
     cMoveTool(cAngles* orient, cVec3* pos, cSpace::Enum space) { Bind(orient, pos, space); }
 
     void Bind(cVec3* pos); ///< In the world's axes.
-    void Bind(cAngles* orient, cVec3* pos, cSpace::Enum space);
+    using cManipulator::Bind;
     void OnRender() override;
 
     cVec3 StartPos = cVec3::Zero; ///< In the world.

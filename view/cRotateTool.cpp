@@ -44,12 +44,6 @@ void cRotateTool::Bind(cAngles* orient) {
     Bind(orient, nullptr, cSpace::World);
 }
 
-void cRotateTool::Bind(cAngles* orient, cVec3* pos, cSpace::Enum space) {
-    Orient = orient;
-    Pos = pos;
-    Space = space;
-}
-
 /// On the sphere, or else on its outline, where the ray comes nearest.
 bool cRotateTool::HitSphere(const cSeg& ray, cVec3* hit) const {
     float t0, t1;

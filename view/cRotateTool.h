@@ -12,7 +12,7 @@ public:
     cRotateTool(cAngles* orient, cVec3* pos, cSpace::Enum space) { Bind(orient, pos, space); }
 
     void Bind(cAngles* orient); ///< About the parent's origin, in the world's axes.
-    void Bind(cAngles* orient, cVec3* pos, cSpace::Enum space);
+    using cManipulator::Bind;
     void OnRender() override;
 
     cAngles StartAngles{0, 0, 0};
