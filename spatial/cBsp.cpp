@@ -137,7 +137,7 @@ void cBsp::Triangle::Split(Triangle* out, int& frontCount, int& backCount, const
         i++;
     }
     const cVec3 enter = hit((i + 2) % 3, i);
-    for (; d[next(i)] > epsilon && piece - out < 2; i = next(i)) {
+    for (; d[next(i)] > epsilon && piece == out; i = next(i)) {
         add(enter, Corners[i], Corners[next(i)]);
     }
     const cVec3 leave = hit(i, next(i));
@@ -146,7 +146,7 @@ void cBsp::Triangle::Split(Triangle* out, int& frontCount, int& backCount, const
 
     i = next(i);
     i = d[i] < -epsilon ? i : next(i); // one on the plane is where it leaves
-    for (; d[next(i)] < -epsilon && piece - out < 3; i = next(i)) {
+    for (; d[next(i)] < -epsilon && piece - out < 2; i = next(i)) {
         add(leave, Corners[i], Corners[next(i)]);
     }
     add(leave, Corners[i], enter);
@@ -206,7 +206,7 @@ void cBsp::Build(float splitCost, float balanceCost, float epsilon) {
             } else if (!isFront) {
                 back.Triangles.Add(triangle);
             } else {
-                Triangle pieces[4];
+                Triangle pieces[3];
                 int fronts, backs;
                 triangle.Split(pieces, fronts, backs, node->Plane, epsilon);
                 front.Triangles.AddRange(pieces, fronts);

@@ -74,6 +74,10 @@ public:
     bool Load(const cFile& file); ///< @return false at the first short read; what was read stays for `Free`
     bool Save(cFile* file) const; ///< @return true
 
+private:
+    Node* m_Root = nullptr;
+
+public:
     cList<Triangle> Triangles; ///< Added, and waiting for `Build`.
 
 private:
@@ -87,7 +91,6 @@ private:
     void MakeSteps();
     bool LoadNodes(const cFile& file);
 
-    Node* m_Root = nullptr;
     std::vector<Step> m_Steps;
 };
 

@@ -62,7 +62,6 @@ private:
         cVec3 Movement; ///< From the one to the other.
         cVec3 Velocity;
         cVec3 Direction; ///< Of the movement, of unit length.
-        cVec3 Low, High; ///< Around the movement of the sphere, with some room for rounding.
         bool Found = false;
         cVec3 HitNormal = cVec3::Zero;
         int HitData = 0;
@@ -71,6 +70,7 @@ private:
         float NormalFactor, TangentFactor;
         int Iterations = 0;
         const cList<Triangle>* Triangles;
+        cVec3 Low, High; ///< Around the movement of the sphere, with some room for rounding.
 
         // Of the first contact.
         cVec3 FirstSlideNormal = cVec3::Zero, FirstHitNormal = cVec3::Zero;

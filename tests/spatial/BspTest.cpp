@@ -182,7 +182,7 @@ TEST(Bsp, SplitCoversTheTriangleInItsPlane) {
         SCOPED_TRACE(c.Name);
         Triangle source{{{c.X[0], 0, 1}, {c.X[1], 5, 0}, {c.X[2], 1, 4}}, 7, {}, {}};
         source.CalcPlanes();
-        Triangle pieces[4];
+        Triangle pieces[3];
         int fronts, backs;
         source.Split(pieces, fronts, backs, cPlane(cVec3::AxisX, 0.0f), 0.001f);
         EXPECT_EQ(fronts, c.Fronts);
