@@ -4,6 +4,8 @@
 #include "foundation/cLog.h"
 #include "spatial/cBsp.h"
 
+#include <new>
+
 namespace trellis {
 
 bool cIO::LoadBsp(const char* path, cBsp* bsp) {
@@ -14,7 +16,12 @@ bool cIO::LoadBsp(const char* path, cBsp* bsp) {
         cLog::Warning("Can't load BSP file \"%s\"", name.Text());
         return false;
     }
-    if (!bsp->Load(file)) {
+    bool decoded = false;
+    try {
+        decoded = bsp->Load(file);
+    } catch (const std::bad_alloc&) { // nodes take more room than their bytes
+    }
+    if (!decoded) {
         cLog::Warning("Can't decode BSP file \"%s\"", name.Text());
         bsp->Free();
         return false;

@@ -1,7 +1,11 @@
 #include "host/InputScript.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include "files/cIO.h"
+#include "image/cImage.h"
+#include "render/cRender.h"
+
+#include <fstream>
+#include <iterator>
 #include <sstream>
 
 namespace trellis {
@@ -56,6 +60,24 @@ void InputScript::SetDown(int code, bool down) {
     } else {
         s_Mouse.IsDown[code - cInput::LeftButton] = down;
     }
+}
+
+std::function<bool(const std::string&)> InputScript::SaverTo(const std::string& folder) {
+    return [folder](const std::string& name) {
+        cImage picture;
+        cRender::ScreenShot(&picture);
+        return cIO::SaveImage((folder + "/" + name + ".bmp").c_str(), picture);
+    };
+}
+
+bool InputScript::Load(const char* pathName, std::string* error) {
+    std::ifstream file(pathName, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (!file) {
+        *error = std::string("cannot read ") + pathName;
+        return false;
+    }
+    return Parse(text, error);
 }
 
 bool InputScript::Parse(const std::string& text, std::string* error) {

@@ -39,6 +39,11 @@ public:
     InputScript(const InputScript&) = delete;
     InputScript& operator=(const InputScript&) = delete;
 
+    /// What a listener's `Save` is for the device's picture: NAME.bmp in the folder.
+    static std::function<bool(const std::string& name)> SaverTo(const std::string& folder);
+
+    bool Load(const char* pathName, std::string* error); ///< A file, to be parsed.
+
     /// @param error  receives what is wrong with which line
     bool Parse(const std::string& text, std::string* error);
 

@@ -3,19 +3,22 @@
 //     scene_view DATA MODEL SCRIPT FOLDER [ANIM]      DATA holds Fonts/; MODEL and ANIM are files that cIO can load
 //
 // The script is that of InputScript.h; FOLDER receives NAME.bmp for each of its pictures. Keys: 0 to 4 choose the
-// handles (none, move, rotate, scale, all), L their axes, S snapping, F frames the model, V shows its box; A plays the
-// animation, P edits a path around the model, C flies along it. The script points to handles as move/x, rotate/y,
-// scale/free and so on; the first tool of a kind counts, and node/2 is the end point of the path's third node.
+// handles (none, move, rotate, scale, all), L their axes, S snapping, F frames what is shown, V shows its box; A plays
+// the animation, P edits a path around the model, C flies along it; W sets a walker upon the model, whom the arrow keys
+// lead along the ground's axes, and M shows drops that swim, instead of the model. The script points to handles as
+// move/x, rotate/y, scale/free and so on; the first tool of a kind counts, and node/2 is the end point of the path's
+// third node.
 #include "animation/cAnim.h"
 #include "animation/cCamera.h"
 #include "animation/cSpline.h"
 #include "files/SourceFolder.h"
 #include "files/cIO.h"
 #include "foundation/cTimer.h"
+#include "host/Daylight.h"
+#include "host/Drops.h"
 #include "host/InputScript.h"
+#include "host/Walker.h"
 #include "host/cSoftwareDevice.h"
-#include "host/cSoftwareShader.h"
-#include "image/cImage.h"
 #include "mesh/cModel.h"
 #include "render/cRender.h"
 #include "tests/foundation/FakeClock.h"
@@ -32,49 +35,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
+#include <memory>
 
 using namespace trellis;
 
 namespace {
-
-/// Daylight by the vertex: a sun, and a sky that is brighter above.
-class Daylight : public cSoftwareShader {
-public:
-    explicit Daylight(const Layout& layout)
-        : cSoftwareShader(1, PixelStage::Color), m_Size(layout.Size),
-          m_Pos(layout.OffsetOf("Pos", cVertexType::Float, 3)),
-          m_Normal(layout.OffsetOf("Normal", cVertexType::Float, 3)) {
-        Declare("g_WorldViewProjectionMatrix", &m_Matrix);
-        Declare("g_NormalMatrix", &m_NormalMatrix);
-        Declare("c_Color", &m_Color);
-    }
-    static std::unique_ptr<cSoftwareShader> Make(const Layout& layout, const char*) {
-        auto shader = std::make_unique<Daylight>(layout);
-        return shader->m_Pos >= 0 && shader->m_Normal >= 0 ? std::move(shader) : nullptr;
-    }
-
-    void Vertices(const unsigned char* vertices, int count, Vertex* out) const override {
-        const cVec3 sun = cVec3::Normalize({0.5f, 0.8f, 0.6f});
-        for (int i = 0; i < count; i++, vertices += m_Size) {
-            cVec3 pos, normal;
-            std::memcpy(&pos, vertices + m_Pos, sizeof pos);
-            std::memcpy(&normal, vertices + m_Normal, sizeof normal);
-            normal = cVec3::Normalize(normal * m_NormalMatrix);
-            const float light = 0.35f + 0.15f * normal.y + 0.6f * std::max(cVec3::Dot(normal, sun), 0.0f);
-            out[i].Clip = cVec4(pos, 1) * m_Matrix;
-            out[i].Varyings[0] = cVec4(std::min(m_Color.x * light, 1.0f), std::min(m_Color.y * light, 1.0f),
-                                       std::min(m_Color.z * light, 1.0f), 1);
-        }
-    }
-
-private:
-    int m_Size, m_Pos, m_Normal;
-    cMat4 m_Matrix = cMat4::Identity;
-    cMat3 m_NormalMatrix = cMat3::Identity;
-    cVec4 m_Color{1, 1, 1, 1};
-};
 
 constexpr struct {
     const char* Name;
@@ -128,7 +94,8 @@ public:
         }
         switch (code) {
         case cInput::F:
-            m_Viewer->Frame(m_Posed.Bounds, World(), cRect::Empty);
+            m_Drops ? m_Viewer->Frame(m_Drops->GetBox(), cMat4::Identity, cRect::Empty)
+                    : m_Viewer->Frame(m_Posed.Bounds, World(), cRect::Empty);
             return true;
         case cInput::A:
             m_IsPlaying = !m_IsPlaying;
@@ -141,6 +108,13 @@ public:
             m_IsFlying = !m_IsFlying;
             m_FlightState = {};
             MakeFlight();
+            return true;
+        case cInput::W:
+            m_IsWalking = !m_IsWalking;
+            m_Walker.SetLevel(m_Posed, TopOf(m_Posed.Bounds));
+            return true;
+        case cInput::M:
+            m_Drops = m_Drops ? nullptr : std::make_unique<Drops>();
             return true;
         case cInput::L:
             g_ManipulatorsLocal = g_ManipulatorsLocal == cSpace::World ? cSpace::Local : cSpace::World;
@@ -158,8 +132,6 @@ public:
 
     void OnRender() override {
         static const int s_Depth = cRender::GetDepthStateID(true, true, cDepthFunc::LessEqual);
-        static const int s_Shader = cRender::GetShaderID("Daylight", cVertex::Bump::FormatID);
-        static const int s_Color = cRender::GetShaderConstID(s_Shader, "c_Color");
         cRender::SetDepthState(s_Depth);
         cRender::SetBlendState(-1);
         cRender::SetCullMode(cCullMode::None);
@@ -174,18 +146,27 @@ public:
             m_Anim.SetFrame(m_AnimSec, m_Model, &m_Joints);
             m_Model.SetAnim(m_Joints, &m_Posed);
         }
+        if (m_Drops) {
+            m_Drops->Step(cTimer::GetFrameTimeSec());
+            m_Drops->Draw();
+            return;
+        }
         cRender::SetWorldMatrix(World());
         for (const cModel::Mesh& mesh : m_Posed.Meshes) {
-            cRender::SetShader(s_Shader);
-            cRender::SetShaderConst(s_Color, ColorOf(mesh.MaterialName));
-            cRender::ApplyTransforms();
-            cRender::DrawIndexed(cTopology::TriangleList, mesh.BumpVertices.Data(), mesh.BumpVertices.Count(),
-                                 mesh.Indices.Data(), mesh.Indices.Count(), 4);
+            DrawInDaylight(mesh, ColorOf(mesh.MaterialName));
         }
         if (m_ShowBounds) {
             cRender::DrawBounds(m_Posed.Bounds, cColor::Orange);
             const cVec3 low = m_Posed.Bounds.min, high = m_Posed.Bounds.max;
             cRender::DrawSphereWire((low + high) * 0.5f, (high - low).Length() * 0.5f, cColor(0.5f, 0.7f, 0.9f, 1));
+        }
+        if (m_IsWalking) {
+            const auto held = [](int more, int less) {
+                return float(cInput::IsDown(more)) - float(cInput::IsDown(less));
+            };
+            m_Walker.Step({held(cInput::Right, cInput::Left), 0, held(cInput::Down, cInput::Up)},
+                          cTimer::GetFrameTimeSec());
+            m_Walker.Draw();
         }
         cRender::SetWorldMatrix(cMat4::Scaling(2, 2, 2) * cMat4::RotationY(45) * cMat4::Translation(-9, 1, -9));
         cRender::DrawCamera(cColor::DarkSlateGray);
@@ -210,6 +191,11 @@ public:
     cSpline Path;
 
 private:
+    static cVec3 TopOf(const cBounds& bounds) {
+        const cVec3 low = bounds.min, high = bounds.max;
+        return {(low.x + high.x) * 0.5f, high.y + Walker::HalfHeight, (low.z + high.z) * 0.5f};
+    }
+
     void EnsurePath() {
         if (Path.Nodes.Count() == 0) {
             const cVec3 points[] = {{9, 2, 0}, {0, 4, 9}, {-9, 6, 0}, {0, 7, -9}, {8, 9, -4}};
@@ -240,8 +226,10 @@ private:
     cList<cAnim::Joint> m_Joints;
     cCamera m_Flight;
     cCamera::State m_FlightState;
+    Walker m_Walker;
+    std::unique_ptr<Drops> m_Drops;
     float m_AnimSec = 0;
-    bool m_ShowBounds = false, m_IsPlaying = false, m_IsFlying = false;
+    bool m_ShowBounds = false, m_IsPlaying = false, m_IsFlying = false, m_IsWalking = false;
 };
 
 /// Where to take hold of a handle of that kind, in the world.
@@ -270,11 +258,8 @@ class Program {
 public:
     bool Play(const char* modelPn, const char* animPn, const char* scriptPn, const std::string& folder,
               std::string* error) {
-        std::ifstream file(scriptPn, std::ios::binary);
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
         InputScript script;
-        if (!file || !script.Parse(text, error)) {
-            *error = error->empty() ? "no such script" : *error;
+        if (!script.Load(scriptPn, error)) {
             return false;
         }
         if (!m_Scene->Load(modelPn) || (*animPn && !m_Scene->LoadAnim(animPn))) {
@@ -291,11 +276,7 @@ public:
                 m_Viewer->Update();
             },
             [this](const std::string& name, cVec2* position) { return Find(name, position); },
-            [&](const std::string& name) {
-                cImage picture;
-                cRender::ScreenShot(&picture);
-                return cIO::SaveImage((folder + "/" + name + ".bmp").c_str(), picture);
-            },
+            InputScript::SaverTo(folder),
         };
         const bool ok = script.Play(
             listener, [this] { Frame(); }, error);
@@ -358,7 +339,7 @@ int main(int argc, char** argv) {
     }
     const auto absolute = [](const char* path) { return std::filesystem::absolute(path).string(); };
     static_cast<SourceFolder*>(cIO::GetSourcesMutable()[0])->SetPath(absolute(argv[1]).c_str());
-    cSoftwareShader::Register("Daylight", Daylight::Make);
+    RegisterDaylight();
     cRender::SetFactory([](int) -> cRender::Stub* { return Program::s_Device = new cSoftwareDevice(640, 480); });
     if (!cRender::Init(0)) {
         return 1;

@@ -19,8 +19,6 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 using namespace trellis;
 
@@ -52,22 +50,19 @@ public:
     }
 
     bool Play(const char* scriptPn, const std::string& folder, std::string* error) {
-        std::ifstream file(scriptPn, std::ios::binary);
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
         InputScript script;
-        if (!m_Theme || !file || !script.Parse(text, error)) {
-            *error = error->empty() ? "no such theme or script" : *error;
+        if (!m_Theme) {
+            *error = "no such theme";
+            return false;
+        }
+        if (!script.Load(scriptPn, error)) {
             return false;
         }
         cRender::SetViewer(&m_Viewer);
         const InputScript::Listener listener{
             [this](int width, int height) { Resize(width, height); },
             [this](const std::string& name, cVec2* position) { return m_Gallery.Find(name, position); },
-            [&](const std::string& name) {
-                cImage picture;
-                cRender::ScreenShot(&picture);
-                return cIO::SaveImage((folder + "/" + name + ".bmp").c_str(), picture);
-            },
+            InputScript::SaverTo(folder),
         };
         const bool ok = script.Play(
             listener, [this] { Frame(); }, error);

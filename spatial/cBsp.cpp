@@ -72,25 +72,38 @@ cVec3 PlaneHit(const cPlane& plane, const cVec3& p, float distance, const cVec3&
     return p - way * (distance / cVec3::Dot(plane.normal, way));
 }
 
-/// A segment against boxes. What it says no to is surely beside it.
+/// A segment against boxes. What it says no to is beside it, also beside where rounding may see the crossing points.
 class Passing {
 public:
-    Passing(const cVec3& from, const cVec3& direction) : m_From(from) {
-        // A way along an axis goes very slowly across it: a division by 0 would make 0 / 0 on a side of a box.
-        m_PerUnit = cVec3::Map(direction, [](float d) { return std::fabs(d) > 1e-30f ? 1 / d : 1e30f; });
+    Passing(const cVec3& from, const cVec3& direction) {
+        float size = 0;
+        for (int i = 0; i < 3; i++) {
+            size += std::fabs(from[i]) + std::fabs(direction[i]);
+        }
+        for (int i = 0; i < 3; i++) {
+            // A way along an axis goes very slowly across it: a division by 0 would make 0 / 0 on a side of a box.
+            const float room = size * 1e-6f, d = direction[i], perUnit = std::fabs(d) > 1e-30f ? 1 / d : 1e30f;
+            const float low = from[i] + room, high = from[i] - room;
+            m_Axes[i] = perUnit < 0 ? Axis{1, 0, high, low, perUnit} : Axis{0, 1, low, high, perUnit};
+        }
     }
-    bool MayMeet(const cVec3& low, const cVec3& high) const {
+    /// @param box  its least and its greatest corner
+    bool MayMeet(const cVec3* box) const {
         float enter = 0, leave = 1;
         for (int i = 0; i < 3; i++) {
-            const float a = (low[i] - m_From[i]) * m_PerUnit[i], b = (high[i] - m_From[i]) * m_PerUnit[i];
-            enter = std::max(enter, std::min(a, b));
-            leave = std::min(leave, std::max(a, b));
+            const Axis& axis = m_Axes[i];
+            enter = std::max(enter, (box[axis.Near][i] - axis.NearFrom) * axis.PerUnit);
+            leave = std::min(leave, (box[axis.Far][i] - axis.FarFrom) * axis.PerUnit);
         }
         return !(enter > leave);
     }
 
 private:
-    cVec3 m_From, m_PerUnit;
+    struct Axis {
+        int Near, Far; // which corner's side is met first
+        float NearFrom, FarFrom, PerUnit;
+    };
+    Axis m_Axes[3];
 };
 
 } // namespace
@@ -238,14 +251,14 @@ void cBsp::MakeSteps() {
             Step& parent = m_Steps[size_t(job.Parent)];
             (parent.Source->Front == job.At ? parent.Front : parent.Back) = index;
         }
-        Step step{job.At->Plane, cVec3::Infinity, -cVec3::Infinity, -1, -1, job.At};
+        Step step{job.At->Plane, {cVec3::Infinity, -cVec3::Infinity}, -1, -1, job.At};
         for (const cVec3& corner : job.At->Corners) {
-            step.Low = cVec3::Zip(step.Low, corner, [](float a, float b) { return b < a ? b : a; });
-            step.High = cVec3::Zip(step.High, corner, [](float a, float b) { return b > a ? b : a; });
+            step.Box[0] = cVec3::Zip(step.Box[0], corner, [](float a, float b) { return b < a ? b : a; });
+            step.Box[1] = cVec3::Zip(step.Box[1], corner, [](float a, float b) { return b > a ? b : a; });
         }
         const auto room = [](float v) { return 0.001f + std::fabs(v) * 0.0001f; };
-        step.Low -= cVec3::Map(step.Low, room);
-        step.High += cVec3::Map(step.High, room);
+        step.Box[0] -= cVec3::Map(step.Box[0], room);
+        step.Box[1] += cVec3::Map(step.Box[1], room);
         m_Steps.push_back(step);
         if (job.At->Back) {
             backs.Push({job.At->Back, index});
@@ -257,8 +270,8 @@ void cBsp::MakeSteps() {
         for (const int child : {step.Back, step.Front}) {
             if (child >= 0) {
                 const Step& other = m_Steps[size_t(child)];
-                step.Low = cVec3::Zip(step.Low, other.Low, [](float a, float b) { return b < a ? b : a; });
-                step.High = cVec3::Zip(step.High, other.High, [](float a, float b) { return b > a ? b : a; });
+                step.Box[0] = cVec3::Zip(step.Box[0], other.Box[0], [](float a, float b) { return b < a ? b : a; });
+                step.Box[1] = cVec3::Zip(step.Box[1], other.Box[1], [](float a, float b) { return b > a ? b : a; });
             }
         }
     }
@@ -293,7 +306,7 @@ bool cBsp::Intersects(const cVec3& from, const cVec3& to, cVec3* point, const Tr
     while (next >= 0 || !way.IsEmpty()) {
         if (next >= 0) {
             const Step& step = m_Steps[size_t(next)];
-            if (!passing.MayMeet(step.Low, step.High)) {
+            if (!passing.MayMeet(step.Box)) {
                 next = -1;
                 continue;
             }
@@ -339,7 +352,7 @@ void cBsp::GetTrianglesNear(const cVec3& center, float radius, const cVec3& low,
     while (next >= 0 || !backs.IsEmpty()) {
         const Step& step = m_Steps[size_t(next >= 0 ? next : backs.Pop())];
         next = -1;
-        if (!isNear(step.Low, step.High)) {
+        if (!isNear(step.Box[0], step.Box[1])) {
             continue;
         }
         const float d = step.Plane.SignedDistance(center);
@@ -352,10 +365,10 @@ void cBsp::GetTrianglesNear(const cVec3& center, float radius, const cVec3& low,
                 out->Add(step.Source);
             }
         }
-        if (step.Back >= 0 && d < radius) {
+        if (step.Back >= 0 && !(d >= radius)) {
             backs.Push(step.Back);
         }
-        next = d > -radius ? step.Front : -1;
+        next = !(d <= -radius) ? step.Front : -1;
     }
 }
 
@@ -369,10 +382,10 @@ void cBsp::GetTrianglesWithinRadius(const cVec3& center, float radius, cList<Tri
         if (d < radius && d > -radius) {
             out->Add(*node);
         }
-        if (node->Back && d < radius) {
+        if (node->Back && !(d >= radius)) { // a plane of broken corners divides nothing, and hides nothing
             backs.Push(node->Back);
         }
-        node = d > -radius ? node->Front : nullptr;
+        node = !(d <= -radius) ? node->Front : nullptr;
     }
 }
 

@@ -49,7 +49,9 @@ public:
     void AddTriangle(const cVec3& p0, const cVec3& p1, const cVec3& p2, int data);
 
     /// Makes the tree of the triangles that wait, in place of the former one. Nothing happens when none does. Each node
-    /// takes the triangle of the least cost; its choice is quadratic in the number of triangles.
+    /// takes the triangle of the least cost; its choice is quadratic in the number of triangles. Where corners are so
+    /// far from the origin that they are rounded by more than epsilon, pieces of triangles that cut each other
+    /// multiply.
     ///
     /// @param splitCost    of each triangle that the plane cuts
     /// @param balanceCost  of each triangle that one side has more than the other
@@ -61,7 +63,7 @@ public:
     /// The first triangle on the way, from either side. Both results may be null; they are untouched without a hit.
     bool Intersects(const cVec3& from, const cVec3& to, cVec3* point, const Triangle** triangle) const;
 
-    /// All whose plane is nearer than the radius, which are more than those that are.
+    /// All that are nearer than the radius, but for epsilon, and others whose plane is. Goes only where it must.
     void GetTrianglesWithinRadius(const cVec3& center, float radius, cList<Triangle>* out) const;
 
     /// Those of the above whose box meets a box, in the same order. They are good until the tree changes.
@@ -69,7 +71,8 @@ public:
                           cList<const Triangle*>* out) const;
 
     void GetAllTriangles(cList<Triangle>* out) const; ///< Each node before its front, and then its back child.
-    void Transform(const cMat4& m);
+    void
+    Transform(const cMat4& m); ///< Each node by itself: a mirroring matrix turns fronts into backs, and needs `Build`.
 
     bool Load(const cFile& file); ///< @return false at the first short read; what was read stays for `Free`
     bool Save(cFile* file) const; ///< @return true
@@ -81,10 +84,10 @@ public:
     cList<Triangle> Triangles; ///< Added, and waiting for `Build`.
 
 private:
-    /// What a query reads of a node, in one line of the cache, in the order of `GetAllTriangles`.
+    /// What a query reads of a node, close together, in the order of `GetAllTriangles`.
     struct Step {
         cPlane Plane;
-        cVec3 Low, High; ///< Around all triangles from this node on, with some room for rounding.
+        cVec3 Box[2];    ///< Least and greatest corner around all from this node on, with some room for rounding.
         int Back, Front; ///< -1 without one.
         const Node* Source;
     };

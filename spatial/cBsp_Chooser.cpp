@@ -12,6 +12,10 @@ namespace trellis {
 
 void cBsp_Chooser::Take(const cList<cBsp::Triangle>& triangles) {
     m_Count = triangles.Count();
+    m_SplitCosts.resize(1, 0.0f);
+    for (int i = 0; i < m_Count; i++) {
+        m_SplitCosts.push_back(m_SplitCosts.back() + m_SplitCost);
+    }
     for (int corner = 0; corner < 3; corner++) {
         for (int axis = 0; axis < 3; axis++) {
             std::vector<float>& out = m_Coordinates[corner * 3 + axis];
@@ -38,7 +42,7 @@ int cBsp_Chooser::Choose(const cList<cBsp::Triangle>& triangles) {
 }
 
 float cBsp_Chooser::ScoreOf(int splits, int balance) const {
-    return float(std::abs(balance)) * m_BalanceCost + float(splits) * m_SplitCost;
+    return float(std::abs(balance)) * m_BalanceCost + m_SplitCosts[size_t(splits)];
 }
 
 /// Whether the score cannot come below `best` with that many triangles left. Costs below 0 leave that open.

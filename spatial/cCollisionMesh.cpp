@@ -27,7 +27,9 @@ cVec3 Divide(const cVec3& a, const cVec3& b) {
 
 /// A normal goes through a scaling by its inverse.
 cVec3 NormalToWorld(const cVec3& n, const cVec3& radii) {
-    const cVec3 v = Divide(n, radii);
+    cVec3 v = Divide(n, radii);
+    const float largest = std::max({std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)});
+    v = largest > 0 ? v / largest : v; // of sizes whose squares are beyond a float
     return v.LengthSq() > 0 ? cVec3::Normalize(v) : cVec3::AxisY;
 }
 

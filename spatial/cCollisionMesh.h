@@ -14,7 +14,8 @@ namespace trellis {
 class cMat4;
 class cModel;
 
-/// Triangles are met from the front only, which is counterclockwise. Queries are const, use local storage only, and run
+/// Triangles are met from the front only, which is counterclockwise; those too small for a normal by their edges, from
+/// all sides. Queries are const, use local storage only, and run
 /// on several threads at once.
 class cCollisionMesh {
 public:
@@ -34,7 +35,8 @@ public:
 
     void BuildBsp(); ///< Queries then look through the tree instead of the list.
 
-    /// Goes as far as it can, and slides along what it meets.
+    /// Goes as far as it can, and slides along what it meets. The rest of the way behind the last slide that
+    /// `MaxIterations` lets it take is not looked at any more.
     ///
     /// @param to              where it wants to be; receives where it comes
     /// @param velocity        is turned as the way is; may be null, as the results behind the factors
@@ -46,7 +48,9 @@ public:
     bool Collide(const cVec3& from, cVec3* to, cVec3* velocity, float normalFactor, float tangentFactor,
                  cVec3* slideNormal, cVec3* hitNormal, int* hitData) const;
 
-    /// Pushes a position out of the triangles that it is in, always to their front. @return false
+    /// Pushes a position out of the triangles that it is in, always to their front, in at most `MaxIterations` passes.
+    ///
+    /// @return false
     bool Fix(cVec3* position) const;
 
     cVec3 Radii = cVec3::One; ///< To be set before any model is added.

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
+#include <limits>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -84,10 +86,15 @@ float cIsoSurface_FieldFPU(const cVec3& p) {
 
 bool cIsoSurface::Init(const cVec3& min, const cVec3& max, int x, int y, int z) {
     constexpr long long Most = 1 << 27; // the edges are three times as many, and are counted in an int
+    constexpr long long MostCells = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(Cell);
     if (x < 1 || y < 1 || z < 1 || x > Most || y > Most || z > Most || (long long)x * y > Most ||
-        (long long)(x + 1) * (y + 1) * (z + 1) > Most) {
+        (long long)(x + 1) * (y + 1) * (z + 1) > Most || (long long)x * y * z > MostCells) {
         return false;
     }
+    Points.Clear(); // a surface without a grid does nothing, should memory run out below
+    Cells.Clear();
+    m_Mixed.Clear();
+    m_Crossed.Clear();
     Min = min;
     Max = max;
     CellCount[0] = x;
@@ -124,7 +131,7 @@ void cIsoSurface::MakeCells() {
     Edges.SetCount(3 * x * y * z + 2 * ((y + z) * x + y * z) + x + y + z);
     Cells.SetCount(x * y * z);
     m_FirstEdges.SetCount(Cells.Count() + 1);
-    m_Crossed.Clear();
+    m_Mixed.EnsureCapacity(Cells.Count(), false);
     const int steps[3] = {1, x, x * y}; // to the neighbour's place in the list
     Edge* free = Edges.Data();
     Cell* cell = Cells.Data();
@@ -215,7 +222,7 @@ template <class Slope> void cIsoSurface::AddVertex(Edge& edge, const Slope& slop
     mesh.BumpVertices.SetCount(edge.Vertex + 1);
     cVertex::Bump& vertex = mesh.BumpVertices[edge.Vertex];
     vertex.Pos = p;
-    vertex.Normal = down.LengthSq() > 0 ? cVec3::Normalize(down) : down;
+    vertex.Normal = cVec3::Normalize(down); // zero stays zero
     m_Crossed.Add(&edge);
 }
 
@@ -264,7 +271,7 @@ void cIsoSurface::Update(float (*field)(const cVec3& p)) {
     }
     Polygonise([this, field](const cVec3& p) {
         const float value = field(p);
-        return cVec3(value - field(p + DeltaX), value - field(p + DeltaY), value - field(p + DeltaZ));
+        return cVec3{value - field(p + DeltaX), value - field(p + DeltaY), value - field(p + DeltaZ)}; // in that order
     });
 }
 

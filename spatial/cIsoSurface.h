@@ -44,7 +44,7 @@ public:
     cIsoSurface& operator=(const cIsoSurface&) = delete;
 
     /// @param x, y, z  cells along each axis
-    /// @return false, and nothing has changed, below one cell, and for more than 2^27 of them
+    /// @return false, and nothing has changed, below one cell, and above 2^27 points or what an address can reach
     bool Init(const cVec3& min, const cVec3& max, int x, int y, int z);
 
     /// @param field  is called for each point of the grid and four times for each vertex

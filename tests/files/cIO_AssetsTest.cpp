@@ -127,9 +127,6 @@ TEST_F(Assets, LoadingAndSavingSayWhatHappened) {
     }
     EXPECT_EQ(Logged([&] { cIO::LoadImage(odd, &image); }),
               std::string("Can't decode image file \"") + odd.Text() + "\"\r\n");
-    cBsp bsp;
-    EXPECT_NE(Logged([&] { cIO::LoadBsp(File("d.cBsp", "x"), &bsp); }).find("Can't decode BSP file"),
-              std::string::npos);
 
     const std::string out = m_Folder + "out.fakem";
     EXPECT_EQ(model.Joints.Count(), 0) << "nothing is left of a failure";
@@ -259,6 +256,23 @@ TEST_F(Assets, TheClipboardKeepsACopy) {
     cIO::CopyToClipboard(cImage());
     EXPECT_FALSE(cIO::CopyFromClipboard(&back));
     EXPECT_TRUE(back.IsEmpty());
+}
+
+TEST_F(Assets, CollisionTrees) {
+    cBsp bsp, back;
+    bsp.AddTriangle(cVec3::Zero, cVec3::AxisX, cVec3::AxisY, 1);
+    bsp.Build(3, 1, 0.001f);
+    const std::string path = m_Folder + "t"; // the extension is added
+    EXPECT_TRUE(cIO::SaveBsp(path.c_str(), bsp));
+    EXPECT_EQ(Logged([&] { EXPECT_TRUE(cIO::LoadBsp(path.c_str(), &back)); }),
+              "Loaded BSP file \"" + path + ".cBsp\"\r\n");
+    EXPECT_FALSE(back.IsEmpty());
+    const cStr broken = File("d.cBsp", "x");
+    EXPECT_EQ(Logged([&] { EXPECT_FALSE(cIO::LoadBsp(broken, &back)); }),
+              std::string("Can't decode BSP file \"") + broken.Text() + "\"\r\n");
+    EXPECT_TRUE(back.IsEmpty());
+    const std::string log = Logged([&] { EXPECT_FALSE(cIO::LoadBsp((path + "2").c_str(), &back)); });
+    EXPECT_TRUE(log.ends_with("Can't load BSP file \"" + path + "2.cBsp\"\r\n")) << log;
 }
 
 } // namespace

@@ -235,19 +235,117 @@ TEST(Bsp, SmallTreesByHand) {
     }
     EXPECT_FALSE(bsp.Intersects({-5, 0, 0}, {5, 0, 0}, nullptr, nullptr)); // in the plane
     EXPECT_FALSE(bsp.Intersects({0, 2, 0}, {0, 0, 0}, nullptr, nullptr));  // up to it
+    EXPECT_TRUE(bsp.Intersects({0, 0, 0}, {0, 2, 0}, nullptr, nullptr));   // from it, which is behind
+    EXPECT_FALSE(bsp.Intersects({0, 0, 0}, {0, -2, 0}, nullptr, nullptr));
     bsp.Transform(cMat4::Translation(0, 3));
     EXPECT_FALSE(bsp.Intersects({0, 1, 0}, {0, -1, 0}, nullptr, nullptr));
     EXPECT_TRUE(bsp.Intersects({0, 4, 0}, {0, 2, 0}, nullptr, nullptr));
+}
+
+std::string Datas(const cList<Triangle>& triangles) {
+    std::string out;
+    for (const Triangle& t : triangles) {
+        out += std::to_string(t.Data) + ' ';
+    }
+    return out;
+}
+
+constexpr cVec3 s_Upright[3] = {{0, 0, 0}, {0, 1, 0}, {0, 0, 1}};  // looks along x
+constexpr cVec3 s_Across[3] = {{-1, 0, 0}, {-1, 0, 1}, {1, 0, 0}}; // and along y, through x = 0
+
+TEST(Bsp, TakesTheEarliestOfTheLeastCost) {
+    const auto addUpright = [](cBsp* bsp, float x, int data) {
+        const cVec3 at(x, 0, 0);
+        bsp->AddTriangle(s_Upright[0] + at, s_Upright[1] + at, s_Upright[2] + at, data);
+    };
+    cList<Triangle> all;
+    cBsp bsp;
+    for (int i = 0; i < 3; i++) { // the middle one and the last one leave 1 more on a side
+        addUpright(&bsp, float(i), i);
+    }
+    bsp.Build(3, 1, 0.001f);
+    bsp.GetAllTriangles(&all);
+    EXPECT_EQ(Datas(all), "1 2 0 ");
+    for (const bool isSplitDear : {true, false}) {
+        addUpright(&bsp, 0, 10); // evens the sides, and cuts the third
+        addUpright(&bsp, -1, 11);
+        bsp.AddTriangle(s_Across[0], s_Across[1], s_Across[2], 12);
+        isSplitDear ? bsp.Build(4, 1, 0.001f) : bsp.Build(1, 4, 0.001f); // in place of the former tree
+        bsp.GetAllTriangles(&all);
+        EXPECT_EQ(Datas(all), isSplitDear ? "11 12 10 " : "10 12 11 12 12 ");
+    }
+    constexpr cVec3 Pieces[3][3] = {{{0, 0, 0.5f}, {1, 0, 0}, {0, 0, 0}},
+                                    {{0, 0, 0}, {-1, 0, 0}, {-1, 0, 1}},
+                                    {{0, 0, 0}, {-1, 0, 1}, {0, 0, 0.5f}}};
+    for (const auto& [piece, at] : {std::pair(0, 1), {1, 3}, {2, 4}}) {
+        EXPECT_TRUE(std::equal(Pieces[piece], Pieces[piece] + 3, all[at].Corners)) << piece;
+    }
+    bsp.GetTrianglesWithinRadius({-0.9f, 0, 0}, 0.5f, &all);
+    EXPECT_EQ(Datas(all), "11 12 12 ");
+    bsp.GetTrianglesWithinRadius({0.9f, 0, 0}, 0.5f, &all); // what is behind is not looked at, though in its plane
+    EXPECT_EQ(Datas(all), "12 ");
+    bsp.AddTriangle(s_Across[0], s_Across[1], s_Across[2], 0);
+    bsp.Free();
+    EXPECT_TRUE(bsp.IsEmpty() && bsp.Triangles.IsEmpty());
+}
+
+TEST(Bsp, Planes) {
+    Triangle t{{{0, 0, 3}, {2, 0, 3}, {0, 2, 3}}, 0, {}, {}};
+    t.CalcPlanes();
+    EXPECT_EQ(t.Plane, cPlane(cVec3::AxisZ, -3.0f));
+    EXPECT_EQ(t.EdgePlanes[0], cPlane(cVec3(2, 0, 0), 0.0f));
+    EXPECT_EQ(t.EdgePlanes[1], cPlane(cVec3(0, 2, 0), 0.0f));
+    EXPECT_EQ(t.EdgePlanes[2], cPlane(cVec3(-2, -2, 0), 4.0f));
+    EXPECT_TRUE(t.IsAbove({1, 1, 9}));
+    EXPECT_FALSE(t.IsAbove({1, 1.01f, 9}));
+    for (const float leg : {0.00099f, 0.00101f}) {
+        t = {{{0, 0, 0}, {leg, 0, 0}, {0, 1, 0}}, 0, {}, {}};
+        t.CalcPlanes();
+        EXPECT_EQ(t.Plane.normal, leg > 0.001f ? cVec3::AxisZ : cVec3::Zero);
+    }
+}
+
+/// One plane that is no number divides nothing, and a long way misses nothing by being rounded.
+TEST(Bsp, BrokenPlanesAndLongWays) {
+    cBsp bsp;
+    bsp.AddTriangle({1e20f, 0, 0}, {0, 1e20f, 1}, {1, 0, 1e20f}, 1);
+    bsp.AddTriangle({0, 0, 0}, {0, 0.1f, 0}, {0, 0, 0.1f}, 2);
+    bsp.Build(3, 1, 0.001f);
+    cList<Triangle> found;
+    bsp.GetTrianglesWithinRadius({0.1f, 0, 0}, 1, &found);
+    EXPECT_EQ(Datas(found), "2 ");
+    Random random(4);
+    for (int i = 0; i < 5000; i++) {
+        const cVec3 way(1e7f, random.In(-1e7f, 1e7f), random.In(-1e7f, 1e7f)), at(0, 0.03f, 0.03f);
+        const cVec3 from = at - way * 0.37f, to = at + way * 0.63f;
+        const Triangle& t = found[0];
+        const float start = t.Plane.SignedDistance(from);
+        if (t.IsAbove(from - (to - from) * (start / cVec3::Dot(t.Plane.normal, to - from)))) {
+            EXPECT_TRUE(bsp.Intersects(from, to, nullptr, nullptr)) << i;
+        }
+    }
 }
 
 TEST(Bsp, FourAtATimeScoreTheSame) {
     for (const Soup& soup : s_Soups) {
         cBsp bsp;
         Fill(soup, &bsp);
-        cBsp_Chooser chooser(3, 1, 0.001f);
+        constexpr float SplitCost = 0.1f, BalanceCost = 0.3f; // sums of these are rounded
+        cBsp_Chooser chooser(SplitCost, BalanceCost, 0.001f);
         chooser.Take(bsp.Triangles);
         for (const Triangle& t : bsp.Triangles) {
+            float cost = 0;
+            int balance = 0;
+            for (const Triangle& other : bsp.Triangles) {
+                const auto [low, high] =
+                    std::minmax({t.Plane.SignedDistance(other.Corners[0]), t.Plane.SignedDistance(other.Corners[1]),
+                                 t.Plane.SignedDistance(other.Corners[2])});
+                const bool isBack = low<-0.001f, isFront = high> 0.001f;
+                cost += isBack && isFront ? SplitCost : 0;
+                balance += !isBack ? 1 : !isFront ? -1 : 0;
+            }
             const float score = chooser.ScorePlain(t.Plane, 1e30f);
+            EXPECT_EQ(score, float(std::abs(balance)) * BalanceCost + cost);
             EXPECT_EQ(chooser.Score(t.Plane, 1e30f), score);
             EXPECT_EQ(chooser.Score(t.Plane, score + 1), score);
             EXPECT_GE(chooser.Score(t.Plane, score), score);
@@ -295,8 +393,9 @@ TEST(Bsp, LongChains) {
         bsp.GetTrianglesWithinRadius(cVec3::Zero, 1e9f, &out);
         EXPECT_EQ(out.Count(), Count);
         bsp.Transform(cMat4::Translation(1, 0));
-        bsp.Intersects({1.2f, 0.2f, -1}, {1.2f, 0.2f, 1e6f}, nullptr, nullptr);
-        bsp.Intersects({1.2f, 0.2f, 1e6f}, {1.2f, 0.2f, -1}, nullptr, nullptr);
+        EXPECT_FALSE(bsp.Intersects({5, 5, -1}, {5, 5, 1e6f}, nullptr, nullptr));
+        EXPECT_TRUE(bsp.Intersects({1.2f, 0.2f, -1}, {1.2f, 0.2f, 1e6f}, nullptr, nullptr));
+        EXPECT_TRUE(bsp.Intersects({1.2f, 0.2f, 1e6f}, {1.2f, 0.2f, -1}, nullptr, nullptr));
     }
 }
 

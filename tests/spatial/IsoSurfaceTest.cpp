@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 #include <map>
+#include <set>
 
 #include <gtest/gtest.h>
 
@@ -21,25 +22,24 @@ const cModel::Mesh& MeshOf(const cIsoSurface& surface) {
     return surface.Model.Meshes[0];
 }
 
-/// Every edge belongs to as many triangles one way as the other.
+/// Every edge belongs to two triangles, one each way.
 void ExpectClosed(const cIsoSurface& surface) {
     const cModel::Mesh& mesh = MeshOf(surface);
-    std::map<std::pair<int, int>, int> edges;
+    std::set<std::pair<int, int>> edges;
     for (int i = 0; i < mesh.Indices.Count(); i++) {
         const int a = mesh.Indices[i], b = mesh.Indices[i % 3 == 2 ? i - 2 : i + 1];
-        edges[{a, b}]++;
-        edges[{b, a}]--;
+        ASSERT_TRUE(edges.insert({a, b}).second) << a << ' ' << b;
     }
-    for (const auto& [ends, excess] : edges) {
-        ASSERT_EQ(excess, 0) << ends.first << ' ' << ends.second;
+    for (const auto& [a, b] : edges) {
+        ASSERT_TRUE(edges.contains({b, a})) << a << ' ' << b;
     }
 }
 
-std::map<long, float> s_Noise; // by place
+unsigned s_Seed;
 float Noise(const cVec3& p) {
     const bool isBorder = std::min({p.x, p.y, p.z}) < 0.5f || std::max({p.x, p.y, p.z}) > 7.5f;
     const long x = std::lround(p.x), y = std::lround(p.y), z = std::lround(p.z);
-    unsigned hash = unsigned(x * 73856093) ^ unsigned(y * 19349663) ^ unsigned(z * 83492791) ^ unsigned(s_Noise.size());
+    unsigned hash = unsigned(x * 73856093) ^ unsigned(y * 19349663) ^ unsigned(z * 83492791) ^ s_Seed;
     hash = (hash ^ (hash >> 15)) * 2246822519u;
     hash = (hash ^ (hash >> 13)) * 3266489917u;
     return isBorder ? -1 : float(int(hash >> 8) - (1 << 23)) / float(1 << 23);
@@ -48,28 +48,78 @@ float Noise(const cVec3& p) {
 TEST(IsoSurface, RandomFieldsGiveClosedSurfaces) {
     cIsoSurface surface;
     ASSERT_TRUE(surface.Init(cVec3::Zero, {8, 8, 8}, 8, 8, 8));
-    for (int seed = 0; seed < 200; seed++) {
-        s_Noise[seed] = 0;
+    for (s_Seed = 0; s_Seed < 200; s_Seed++) {
         surface.Update(Noise);
         ASSERT_GT(MeshOf(surface).Indices.Count(), 1000);
         ExpectClosed(surface);
     }
 }
 
+constexpr int s_Ends[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6},
+                               {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}};
+
 TEST(IsoSurface, Table) {
     for (int row = 0; row < 256; row++) {
         // Each edge whose corners are on different sides is used, and no other.
-        constexpr int Ends[12][2] = {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {4, 5}, {5, 6},
-                                     {6, 7}, {7, 4}, {0, 4}, {1, 5}, {2, 6}, {3, 7}};
         int crossed = 0, used = 0;
         for (int edge = 0; edge < 12; edge++) {
-            crossed |= (((row >> Ends[edge][0]) ^ (row >> Ends[edge][1])) & 1) << edge;
+            crossed |= (((row >> s_Ends[edge][0]) ^ (row >> s_Ends[edge][1])) & 1) << edge;
         }
         ASSERT_EQ(MCTris[row][0] % 3, 0);
         for (int i = 1; i <= MCTris[row][0]; i++) {
             used |= 1 << MCTris[row][i];
         }
         EXPECT_EQ(used, crossed) << row;
+        for (int i = MCTris[row][0] + 1; i < 16; i++) {
+            EXPECT_EQ(MCTris[row][i], 0) << row;
+        }
+    }
+}
+
+/// The plain way: all edges in their order, then all cells in theirs.
+TEST(IsoSurface, ListsAreWalkedInOrder) {
+    cIsoSurface surface;
+    for (s_Seed = 0; s_Seed < 60; s_Seed++) {
+        const int x = 1 + int(s_Seed) % 17, y = 1 + int(s_Seed) % 4, z = 1 + int(s_Seed) % 3;
+        ASSERT_TRUE(surface.Init({-1, 0, 1}, {-1 + float(x), 3 * float(y), 1 + 2 * float(z)}, x, y, z));
+        ASSERT_TRUE(MeshOf(surface).Indices.IsEmpty());
+        static int s_Calls;
+        s_Calls = 0;
+        surface.Update([](const cVec3& p) {
+            s_Calls++;
+            const float noise = Noise(p * 0.7f + cVec3(3, 1, 0));
+            return s_Seed % 2 ? noise : noise < 0.9f ? -1.0f : 1.0f; // few cells that the surface crosses
+        });
+        std::vector<int> indices;
+        int vertices = 0;
+        for (const cIsoSurface::Edge& edge : surface.Edges) {
+            const float a = edge.A->Value, b = edge.B->Value;
+            ASSERT_EQ(edge.Vertex, std::signbit(a) == std::signbit(b) ? -1 : vertices);
+            if (edge.Vertex != -1) {
+                const cVec3 at = edge.A->Position + (edge.B->Position - edge.A->Position) * (a / (a - b));
+                ASSERT_EQ(MeshOf(surface).BumpVertices[vertices++].Pos, at);
+            }
+        }
+        EXPECT_EQ(s_Calls, surface.Points.Count() + 4 * vertices);
+        for (const cIsoSurface::Cell& cell : surface.Cells) {
+            const auto place = [&](const cIsoSurface::Point* p) { return int(p - surface.Points.Data()); };
+            int below = 0;
+            for (int i = 0; i < 8; i++) {
+                constexpr int Steps[8][3] = {{}, {1}, {1, 1}, {0, 1}, {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
+                const int step = (Steps[i][2] * (y + 1) + Steps[i][1]) * (x + 1) + Steps[i][0];
+                ASSERT_EQ(place(cell.Points[i]), place(cell.Points[0]) + step);
+                below |= (cell.Points[i]->Value < 0) << i;
+            }
+            for (int i = 0; i < 12; i++) {
+                ASSERT_EQ(std::minmax(cell.Edges[i]->A, cell.Edges[i]->B),
+                          std::minmax(cell.Points[s_Ends[i][0]], cell.Points[s_Ends[i][1]]));
+            }
+            for (int i = 1; i <= MCTris[below][0]; i++) {
+                indices.push_back(cell.Edges[MCTris[below][i]]->Vertex);
+            }
+        }
+        const cList<int>& made = MeshOf(surface).Indices;
+        EXPECT_EQ(std::vector<int>(made.begin(), made.end()), indices);
     }
 }
 
@@ -104,25 +154,17 @@ TEST(IsoSurface, InitRefusesAndKeeps) {
     EXPECT_EQ(surface.Edges.Count(), 12);
 }
 
-Balls s_Balls;
-float BallsField(const cVec3& p) { // written out once more
-    float sum = -1;
-    for (const cIsoSurface::Metaball& ball : s_Balls) {
-        const cVec3 way = p - ball.Position;
-        sum += ball.Radius * ball.Radius / (way.x * way.x + way.y * way.y + way.z * way.z);
-    }
-    return sum;
-}
-
 TEST(IsoSurface, MetaballsAreTheSameAsTheirField) {
     cIsoSurface a, b;
     for (const int size : {1, 7, 20}) { // 8 points, and others that are no multiple of 4
         ASSERT_TRUE(a.Init({-4, -4, -4}, {4, 4, 4}, size, size, size + 1));
         ASSERT_TRUE(b.Init({-4, -4, -4}, {4, 4, 4}, size, size, size + 1));
         Random random{unsigned(size)};
+        Balls balls;
         for (int count = 0; count < 6; count++) {
-            a.UpdateMetaballs(s_Balls, count % 2 == 0);
-            b.Update(BallsField);
+            a.UpdateMetaballs(balls, count % 2 == 0);
+            cIsoSurface_MetaballsFPU = &balls;
+            b.Update(cIsoSurface_FieldFPU);
             const cModel::Mesh &m = MeshOf(a), &n = MeshOf(b);
             ASSERT_EQ(m.BumpVertices.Count(), n.BumpVertices.Count());
             ASSERT_EQ(m.Indices.Count(), n.Indices.Count());
@@ -135,10 +177,10 @@ TEST(IsoSurface, MetaballsAreTheSameAsTheirField) {
             }
             EXPECT_TRUE(m.Indices.IsEmpty() ||
                         std::memcmp(m.Indices.Data(), n.Indices.Data(), size_t(m.Indices.Count()) * 4) == 0);
-            s_Balls.Add({random.Point(3), random.In(0.5f, 1.5f)});
+            balls.Add({random.Point(3), random.In(0.5f, 1.5f)});
         }
-        s_Balls.Clear();
     }
+    cIsoSurface_MetaballsFPU = nullptr;
     EXPECT_EQ(cIsoSurface_FieldFPU(cVec3::Zero), -1); // no call is running
 }
 
@@ -167,10 +209,25 @@ TEST(IsoSurface, ABallIsASphereThatLooksOutward) {
     }
     EXPECT_NEAR(volume, 4.0 / 3 * 3.14159265 * 3.375, 0.1);
     EXPECT_EQ(outward, mesh.Indices.Count() / 3);
-    const int before = AllocationCount();
-    surface.UpdateMetaballs(balls, true);
-    surface.Update(BallsField);
-    surface.UpdateMetaballs(balls, true);
+}
+
+long s_Apart;
+float Points(const cVec3& p) { // of every second, or of every fourth place alone
+    const long x = std::lround(p.x), y = std::lround(p.y), z = std::lround(p.z);
+    const bool isWithin = std::max({x, y, z}) < (s_Apart == 2 ? 13 : 36);
+    return isWithin && (s_Apart == 4 ? (x | y | z) % s_Apart == 0 : (x + y + z) % 2 == 0) ? 1.0f : -1.0f;
+}
+
+TEST(IsoSurface, GrownListsAllocateNothing) {
+    cIsoSurface surface;
+    ASSERT_TRUE(surface.Init(cVec3::Zero, {40, 40, 40}, 40, 40, 40));
+    s_Apart = 2;
+    surface.Update(Points);
+    const int before = AllocationCount(), vertices = MeshOf(surface).BumpVertices.Count();
+    s_Apart = 4; // fewer vertices in more cells
+    surface.Update(Points);
+    EXPECT_LT(MeshOf(surface).BumpVertices.Count(), vertices);
+    surface.UpdateMetaballs({}, true);
     EXPECT_EQ(AllocationCount(), before);
 }
 
