@@ -5,8 +5,6 @@
 #include "math/cColor.h"
 #include "math/cVec2.h"
 
-#include <string>
-
 namespace trellis {
 
 class cForm;
@@ -22,10 +20,6 @@ public:
     /// Opens "Controls" with a tool bar and panels of everything, "Notes" with a content larger than itself, and a
     /// frame rate. @param screen  size of the viewport  @param texture  for the swatch, -1 for none
     void Open(const cTheme* theme, const cVec2& screen, int texture);
-
-    /// Where the mouse has to be: the caption of a control, or the title of a form, or that with "/" and one of close,
-    /// minimize, maximize, grip, left, top, right, bottom, corner (the lower right one), client, up, down, thumb.
-    bool Find(const std::string& name, cVec2* position) const;
 
     float Mass = 12.5f, MassMin = 0, MassMax = 100;
     int Count = 7, CountMin = 1, CountMax = 64;

@@ -52,7 +52,7 @@ public:
     int GetVertexCount() const;
     int GetTriangleCount() const;
     void UpdateBounds();
-    void GetMaterialsID() {} ///< Resolves the materials by their names. There are none yet.
+    void GetMaterialsID(); ///< Resolves the materials by their names, which creates their textures.
 
     void CalcNormals();  ///< Smooth over shared vertices, weighted by area.
     void CalcTangents(); ///< As `cRawMesh::CalcTangents`, over shared vertices.

@@ -15,7 +15,7 @@ void cComposite::SetParts(std::initializer_list<cControl*> parts, int font, floa
     m_Padding = padding;
     m_Spacing = spacing;
     for (cControl* part : parts) {
-        AddChild(part);
+        AddChild(part, false);
     }
     CalcRelBounds();
 }

@@ -159,7 +159,7 @@ int cWnd::AddToManager(cWnd* wnd) {
     return guard.IsGone() || wndGuard.IsGone() ? -1 : id;
 }
 
-int cWnd::AddChild(cWnd* child) {
+int cWnd::AddChild(cWnd* child, bool layOut) {
     const int id = AddToManager(child);
     if (id != -1 && m_Children.IndexOf(child) == -1) {
         Detach(child); // it may have been the tool bar
@@ -167,7 +167,7 @@ int cWnd::AddChild(cWnd* child) {
     }
     if (id != -1) { // rows, and the panels that hold them, have their heights before their first frame
         child->CalcRelBounds();
-        for (cWnd* w = this; w; w = w->m_Parent) {
+        for (cWnd* w = layOut ? this : nullptr; w; w = w->m_Parent) {
             w->CalcRelBounds();
         }
     }
@@ -175,16 +175,8 @@ int cWnd::AddChild(cWnd* child) {
 }
 
 int cWnd::SetToolBar(cToolBar* toolBar) {
-    if (m_ToolBar && m_ToolBar != toolBar) {
-        cWnd* former = m_ToolBar;
-        const Guard guard(this), formerGuard(former);
-        former->Leave();
-        if (!formerGuard.IsGone()) {
-            cWidgets::FreeWidget(former, true);
-        }
-        if (guard.IsGone()) {
-            return -1;
-        }
+    if (m_ToolBar && m_ToolBar != toolBar && !FreeChild(m_ToolBar)) {
+        return -1;
     }
     const int id = AddToManager(toolBar);
     if (id != -1) {
@@ -192,6 +184,15 @@ int cWnd::SetToolBar(cToolBar* toolBar) {
         m_ToolBar = toolBar;
     }
     return id;
+}
+
+bool cWnd::FreeChild(cWnd* child) {
+    const Guard guard(this), childGuard(child);
+    child->Leave();
+    if (!childGuard.IsGone()) {
+        cWidgets::FreeWidget(child, true);
+    }
+    return !guard.IsGone();
 }
 
 int cWnd::GetLevel() const {

@@ -97,8 +97,13 @@ public:
 
     /// The window takes over the child, and so does the manager, in the layer of this window's root (the forms' when
     /// that has none). @return its id, or -1 when it was refused and stays the caller's
-    int AddChild(cWnd* child);
+    ///
+    /// @param layOut  false: more children follow, and the caller calls `CalcRelBounds` when all are there
+    int AddChild(cWnd* child, bool layOut = true);
     int SetToolBar(cToolBar* toolBar); ///< Likewise, but it is no child. The former one is freed.
+    /// Takes the child or the tool bar out of this window at once; it is deleted when no callback runs any more.
+    /// @return false when a callback has freed this window
+    bool FreeChild(cWnd* child);
     int GetLevel() const;              ///< Parents above; 0 for a root.
     cWnd* GetTopLevelParent();         ///< Null for a root.
     /// Appends all descendants, each ahead of its own children. @param skipCollapsed  leave out what panels hide

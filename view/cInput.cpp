@@ -1,12 +1,12 @@
 #include "view/cInput.h"
 
-#include "editor/cSettings.h"
 #include "foundation/cImmortal.h"
 #include "foundation/cMain.h"
 #include "foundation/cTimer.h"
 #include "math/cRect.h"
 #include "render/cRender.h"
 #include "ui/cTheme.h"
+#include "view/cHomeButton.h"
 #include "view/cViewer.h"
 
 #include <algorithm>
@@ -200,7 +200,7 @@ const cInput_Touch_t* FindTouch(int id) {
 
 /// Quarter turns from the device to the picture: 1 counterclockwise, -1 clockwise.
 int Turn() {
-    return g_Settings.HomeButtonOnTheRight ? 1 : g_Settings.HomeButtonOnTheLeft ? -1 : 0;
+    return cHomeButton::IsOnTheRight() ? 1 : cHomeButton::IsOnTheLeft() ? -1 : 0;
 }
 
 cVec2 DeviceSize() {

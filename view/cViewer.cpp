@@ -1,6 +1,6 @@
 #include "view/cViewer.h"
 
-#include "editor/cSettings.h"
+#include "view/cHomeButton.h"
 
 #include <algorithm>
 #include <cmath>
@@ -64,9 +64,9 @@ void cViewer::Update(bool forRender) {
     } else {
         Projection = cMat4::Perspective(FovY, m_Aspect, ZNear, ZFar);
     }
-    if (forRender && g_Settings.HomeButtonOnTheRight) {
+    if (forRender && cHomeButton::IsOnTheRight()) {
         Projection *= cMat4::RotationZ(-90);
-    } else if (forRender && g_Settings.HomeButtonOnTheLeft) {
+    } else if (forRender && cHomeButton::IsOnTheLeft()) {
         Projection *= cMat4::RotationZ(90);
     }
     if (DXY != cVec2(0, 0)) {

@@ -1,3 +1,4 @@
+#include "host/FormParts.h"
 #include "host/InputScript.h"
 #include "host/WidgetGallery.h"
 #include "tests/render/Allocations.h"
@@ -294,7 +295,7 @@ TEST_F(Gallery, PlaysItsScript) {
                     gallery.Open(theme, Viewer.Viewport.Size(), -1);
                 }
             },
-            [&](const std::string& name, cVec2* position) { return gallery.Find(name, position); },
+            FindInForms,
             [&](const std::string& name) {
                 saved += name + " ";
                 return true;

@@ -279,7 +279,7 @@ TEST_F(Input, TurnedDevices) {
         EXPECT_EQ(cInput::GetMousePositionOrient(), row.P);
         EXPECT_EQ(cInput::GetMousePositionAcquire(), cVec2(10, 20));
     }
-    g_Settings = cSettings();
+    g_Settings.HomeButtonOnTheRight = g_Settings.HomeButtonOnTheLeft = false;
 }
 
 TEST_F(Input, VibrationsAddUp) {

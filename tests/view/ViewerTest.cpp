@@ -159,7 +159,7 @@ TEST(Viewer, ShiftAndTurn) {
         EXPECT_NEAR(p.x / p.w, row.RightOfTheEye.x, 1e-5f);
         EXPECT_NEAR(p.y / p.w, row.RightOfTheEye.y, 1e-5f);
     }
-    g_Settings = cSettings();
+    g_Settings.HomeButtonOnTheRight = g_Settings.HomeButtonOnTheLeft = false;
 }
 
 TEST(Viewer, StatesComeBackAsTheyWereUpdated) {
@@ -175,7 +175,7 @@ TEST(Viewer, StatesComeBackAsTheyWereUpdated) {
     v.Viewport = cRect(0, 0, 8, 8);
     v.Update(false);
     v.PopState();
-    g_Settings = cSettings();
+    g_Settings.HomeButtonOnTheRight = g_Settings.HomeButtonOnTheLeft = false;
     EXPECT_EQ(v.FovY, 30);
     EXPECT_EQ(v.Projection, projection);
     EXPECT_EQ(v.Viewport, cRect(0, 0, 640, 480));

@@ -1,0 +1,15 @@
+// The colour that a frame begins with, as a class of its own.
+#pragma once
+
+#include "reflection/cColorEdit.h"
+
+namespace trellis {
+
+class cSettings_ClearColor : public cColorEdit {
+    TRELLIS_CLASS(cSettings_ClearColor)
+
+public:
+    void CustomCtor() override { cColorEdit::CustomCtor(); } ///< This construction resets the colour a second time.
+};
+
+} // namespace trellis

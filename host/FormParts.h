@@ -1,0 +1,15 @@
+// Places in forms by names, for scripts.
+#pragma once
+
+#include "math/cVec2.h"
+
+#include <string>
+
+namespace trellis {
+
+/// Where the mouse has to be: the caption of a control, the title of a panel or a form, or that of a form with "/" and
+/// one of close, minimize, maximize, grip, left, top, right, bottom, corner (the lower right one), client, up, down,
+/// thumb. @return false when nothing is called so
+bool FindInForms(const std::string& name, cVec2* position);
+
+} // namespace trellis
