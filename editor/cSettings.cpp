@@ -13,6 +13,9 @@
 #include "ui/cWidgets.h"
 #include "view/cHomeButton.h"
 
+#include <memory>
+#include <utility>
+
 namespace trellis {
 
 namespace {
@@ -66,6 +69,7 @@ void cSettings::CustomCtor() {
     TimeScale = {1, 0, 2};
     Multithreading = true;
     m_FpsDisplayID = -1;
+    m_FpsDisplay = nullptr;
 }
 
 void cSettings::CustomDtor() {
@@ -116,7 +120,7 @@ void cSettings::RegisterMembers() {
     NoSaveMode = 1;
     members.Add<_cBool>(HomeButtonOnTheLeft, "HomeButtonOnTheLeft");
     members.AddSeparator("Build Data");
-    // The second of this name, as old files hold it: what they say of it is read into the first.
+    // The second of this name, as in all files there are: what they say of it is read into the first.
     members.AddEnum(Platform, "Platform", cEnums::Get("cSettings_Platform"));
     members.Add<_cBool>(IncludeNormalMaps, "Include Normal Maps");
     members.AddButton(&cSettings::BuildData, "&cSettings::BuildData");
@@ -136,10 +140,12 @@ void cSettings::OnRender() {
 }
 
 void cSettings::UpdateFpsDisplay() {
-    // By its class: when the application frees all widgets, another one may get the id.
-    const bool exists = m_FpsDisplayID != -1 && dynamic_cast<cFpsDisplay*>(cWidgets::GetWidget(m_FpsDisplayID));
+    // When the application frees all widgets, another one may get the id.
+    const bool exists = m_FpsDisplayID != -1 && cWidgets::GetWidget(m_FpsDisplayID) == m_FpsDisplay;
     if (ShowFps && !exists) {
-        m_FpsDisplayID = cWidgets::AddWidget(new cFpsDisplay(-1, 10, -10), 4);
+        auto display = std::make_unique<cFpsDisplay>(-1, 10.0f, -10.0f);
+        m_FpsDisplayID = cWidgets::AddWidget(display.get(), 4);
+        m_FpsDisplay = m_FpsDisplayID == -1 ? nullptr : display.release();
     } else if (!ShowFps) {
         if (exists) {
             cWidgets::FreeWidget(m_FpsDisplayID, true);

@@ -7,6 +7,8 @@
 
 namespace trellis {
 
+class cFpsDisplay;
+
 /// Saved and loaded by the application as any reflected object. What is marked so below is never saved.
 class cSettings : public cClass, public cWidget {
     TRELLIS_CLASS(cSettings)
@@ -23,7 +25,8 @@ public:
     /// @return the widget's id
     static int AddToWidgets();
 
-    /// Of each frame: opens the class explorer in the first one, shows or hides the frame rate, sets the time scale.
+    /// Of each frame: opens the class explorer in the first one if it is to be, shows or hides the frame rate, sets the
+    /// time scale.
     void OnRender() override;
     bool OnButtonDown(int code) override; ///< The tilde key opens the log, where `Console` allows it.
 
@@ -90,7 +93,8 @@ private:
     void UpdateFpsDisplay();
     static void ListUnusedMaterials();
 
-    int m_FpsDisplayID; // -1 for none
+    int m_FpsDisplayID;        // -1 for none
+    cFpsDisplay* m_FpsDisplay; // compared only
 };
 
 /// Made ahead of ordinary globals, and never destroyed.

@@ -7,9 +7,6 @@ namespace trellis {
 
 class cSettings_ClearColor : public cColorEdit {
     TRELLIS_CLASS(cSettings_ClearColor)
-
-public:
-    void CustomCtor() override { cColorEdit::CustomCtor(); } ///< This construction resets the colour a second time.
 };
 
 } // namespace trellis

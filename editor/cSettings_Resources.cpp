@@ -34,7 +34,7 @@ cStr NameIn(const cStr& line, const cList<cStr>& extensions) {
         for (const cStr& extension : extensions) {
             int at = end == -1 ? -1 : line.IndexOf(extension, open, end - open, true);
             if (at != -1) {
-                while (line[at - 1] != '>') {
+                while (at > 0 && line[at - 1] != '>') {
                     at--;
                 }
                 return {line, at, end - at};

@@ -26,7 +26,8 @@ public:
 
     static void SetPresenter(Presenter presenter) { s_Presenter = presenter; } ///< Null: nothing is shown.
 
-    /// Composes the picture and hands it over. Nothing happens, and nothing is said, unless all pictures are there.
+    /// Composes the picture and hands it over. Nothing happens unless all pictures are there; nothing is said of
+    /// one that is missing.
     static void Show(const ShowArgs& args);
 
     static void DestroyNow() { s_Window = 0; } ///< Takes the picture down; safe when none is shown.

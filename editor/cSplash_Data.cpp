@@ -3,6 +3,10 @@
 #include "files/cIO.h"
 #include "foundation/cTimer.h"
 
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+
 namespace trellis {
 
 constinit cSplash_Data cSplash_Data::s_Data;
@@ -10,8 +14,7 @@ constinit cSplash_Data cSplash_Data::s_Data;
 namespace {
 
 bool LoadPiece(cSplash_Data::Piece* piece) {
-    return !piece->FilePn.IsEmpty() && cIO::LoadImage(piece->FilePn, &piece->Image) &&
-           piece->Image.ToFormat(cFormat::Rgb8);
+    return cIO::LoadImage(piece->FilePn, &piece->Image) && piece->Image.ToFormat(cFormat::Rgb8);
 }
 
 } // namespace
@@ -48,11 +51,13 @@ void cSplash_Data::SearchFiles() {
 }
 
 bool cSplash_Data::Load() {
-    bool isComplete = LoadPiece(&Background);
-    for (int i = 0; i < DigitCount && isComplete; i++) {
-        isComplete = LoadPiece(&Digits[i]);
+    Piece* pieces[DigitCount + 3] = {&Background, &Dot, &Version};
+    for (int i = 0; i < DigitCount; i++) {
+        pieces[3 + i] = &Digits[i];
     }
-    Loaded = isComplete && LoadPiece(&Dot) && LoadPiece(&Version);
+    const auto isThere = [](const Piece* piece) { return !piece->FilePn.IsEmpty(); };
+    Loaded = std::all_of(std::begin(pieces), std::end(pieces), isThere) && // ahead of the first that is loaded
+             std::all_of(std::begin(pieces), std::end(pieces), LoadPiece);
     return Loaded;
 }
 
@@ -69,27 +74,32 @@ void cSplash_Image::Compose(const cSplash_Data& data, const char* version, int x
         }
     }
 
-    const auto draw = [&](const cImage& image, int left) { // pictures have their first row at the bottom
-        Picture.MergeRgb8(image, left, y < 0 ? -y : Picture.GetHeight() - y - image.GetHeight());
+    const auto draw = [&](const cImage& image, long long left) { // pictures have their first row at the bottom
+        constexpr long long Far = 1 << 24;                       // nothing is seen there
+        const long long bottom = y < 0 ? -(long long)y : (long long)Picture.GetHeight() - y - image.GetHeight();
+        if (std::max(std::abs(left), std::abs(bottom)) < Far) {
+            Picture.MergeRgb8(image, int(left), int(bottom));
+        }
     };
     const cImage& label = data.Version.Image;
+    long long at = x;
     if (x >= 0) {
-        draw(label, x);
-        x += label.GetWidth();
+        draw(label, at);
+        at += label.GetWidth();
         for (int i = 0; i < Version.Length(); i++) {
             const cImage& image = data.GetImage(Version[i]);
-            draw(image, x);
-            x += image.GetWidth();
+            draw(image, at);
+            at += image.GetWidth();
         }
         return;
     }
-    x += Picture.GetWidth();
+    at += Picture.GetWidth();
     for (int i = Version.Length() - 1; i >= 0; i--) {
         const cImage& image = data.GetImage(Version[i]);
-        x -= image.GetWidth();
-        draw(image, x);
+        at -= image.GetWidth();
+        draw(image, at);
     }
-    draw(label, x - label.GetWidth());
+    draw(label, at - label.GetWidth());
 }
 
 } // namespace trellis

@@ -1,4 +1,4 @@
-// Middle level of the material tree, for order in the editor: names of materials leave the category out.
+// Topmost level of the material tree, for order in the editor: names of materials leave the category out.
 #pragma once
 
 #include "mesh/cMaterial_Group.h"

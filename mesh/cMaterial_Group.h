@@ -1,4 +1,4 @@
-// Lowest level of the material tree: materials under the first word of their names.
+// Middle level of the material tree: materials under the first word of their names.
 #pragma once
 
 #include "mesh/cMaterial.h"

@@ -7,6 +7,7 @@
 #include "render/cRender.h"
 
 #include <cassert>
+#include <new>
 #include <utility>
 
 namespace trellis {
@@ -117,20 +118,30 @@ bool MakePicture(const cMaterial_ImportArgs& args, cStr* source, cImage* image) 
     if (mixed) {
         cStr filePn;
         cImage relief;
-        if (!LoadMain(args, &filePn, &relief) ||
-            (image->GetFormat() != cFormat::Rgb8 && image->GetFormat() != cFormat::Rgba8)) {
+        if (!LoadMain(args, &filePn, &relief)) {
             return false;
+        }
+        const bool hasNormals = image->GetFormat() == cFormat::Rgb8 || image->GetFormat() == cFormat::Rgba8;
+        if (image->GetWidth() == relief.GetWidth() && image->GetHeight() == relief.GetHeight() && !hasNormals) {
+            return false; // there is nothing to mix with
         }
         MixNormals(image, relief);
     }
     return true;
 }
 
+/// Without its slash, unless that is all.
+cStr FolderOf(const cStr& filePn) {
+    cStr folder = filePn.GetFilePath();
+    if (folder.Length() > 1) {
+        folder.TrimEnd("/\\");
+    }
+    return folder;
+}
+
 /// @param filePn  what the dialog proposes; receives what it was answered
 bool SavePicture(bool particle, const cImage& image, cStr* filePn) {
-    cStr folder = *filePn;
-    folder.RemoveFileName();
-    cIO::SetImageDialogInitialPath(particle ? cStr("Textures/Particles") : folder);
+    cIO::SetImageDialogInitialPath(particle ? cStr("Textures/Particles") : FolderOf(*filePn));
     cIO::SetImageDialogInitialFile(filePn->GetFileName());
     return cIO::SaveImageDialog(filePn) && cIO::CreatePath(*filePn) && cIO::SaveImage(*filePn, image);
 }
@@ -149,21 +160,23 @@ void cMaterial_Import(cMaterial_ImportArgs* args) {
     cIO::SetImageDialogInitialFile("");
     cStr filePn;
     cImage image;
-    if (!MakePicture(*args, &filePn, &image)) {
+    try {
+        if (!MakePicture(*args, &filePn, &image)) {
+            return;
+        }
+        if (args->Compress || !diffuse) {
+            image.CreateMipMaps(127);
+            image.Compress();
+        }
+    } catch (const std::bad_alloc&) { // what could be read may be more than there is room for afterwards
         return;
     }
-    if (args->Compress || !diffuse) {
-        image.CreateMipMaps(127);
-        image.Compress();
-    }
     if (target->IsEmpty()) {
-        const cStr base = filePn.GetFileBase();
-        filePn.RemoveFileName();
-        filePn.AppendPath(base);
+        filePn = filePn.GetFilePath() + filePn.GetFileBase() + ".dds";
     } else {
         filePn = cIO::EnsureAbsolutePath(*target);
+        filePn.SetFileExtension("dds");
     }
-    filePn.SetFileExtension("dds");
     if (!SavePicture(diffuse && !args->Compress, image, &filePn)) {
         return;
     }
@@ -171,8 +184,7 @@ void cMaterial_Import(cMaterial_ImportArgs* args) {
     if (cRender::GetInstance()) {
         cRender::ReloadTexture(*target);
     }
-    filePn.RemoveFileName();
-    ImportPath = filePn;
+    ImportPath = FolderOf(filePn);
     args->Changed = true;
 }
 

@@ -21,14 +21,14 @@ struct cMaterial_ImportArgs {
 };
 
 /// Asks for a picture, or for two, and for a file; writes that, and has its texture reloaded. The target's name is then
-/// relative to the read folder, where it lies under it. Ends with `Changed` false and nothing written where the user
-/// cancels a dialog, or a picture cannot be read, used or saved.
+/// relative to the read folder, where it lies under it. Ends with `Changed` false and no file written where the
+/// user cancels a dialog, or a picture cannot be read, used or saved, or there is no room for it.
 ///
 /// - `Diffuse`: a picture of bytes with one, three or four channels.
 /// - `NormalMap`: a picture that is one.
 /// - `HeightMap`: a picture that becomes one, by its brightness.
 /// - `NormalMapPlusHeightMap`: first a normal map, then a height map that adds its relief where both have one size;
-///   otherwise the normal map stays as it is.
+///   otherwise the normal map stays as it is. One of the same size that has no normals is refused.
 ///
 /// A diffuse picture that is not compressed is an interface's or a particle's: it goes to "Textures/Particles".
 void cMaterial_Import(cMaterial_ImportArgs* args);

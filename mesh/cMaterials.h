@@ -8,9 +8,9 @@
 
 namespace trellis {
 
-/// An id holds while nothing is added, moved or removed in front of its material. It has room for `MaxCategories` and
-/// `MaxGroups` in each category; what lies beyond has no id. Elements of other classes, which files may bring, are
-/// passed over. All of it belongs to the main thread.
+/// An id holds while nothing is added, moved or removed in front of its material. It has room for `MaxCategories`,
+/// `MaxGroups` in each and `MaxMaterials` in each of these; what lies beyond has no id. Elements of other classes,
+/// which files may bring, are passed over. All of it belongs to the main thread.
 class cMaterials : public cClass {
     TRELLIS_CLASS(cMaterials)
 

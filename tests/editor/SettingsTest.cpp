@@ -154,6 +154,9 @@ TEST_F(Settings, ButtonsDoWhatTheyAreCalled) {
                              "ReloadShaders", "GenFont", "ImportParticle", "PrecompileShaders", "BuildData"}) {
         Press(settings, name); // without a device, or anybody to answer
     }
+    EXPECT_NE(cLog::GetLog().IndexOf("Reloaded 0 Static Models,"), -1);
+    EXPECT_NE(cLog::GetLog().IndexOf("Reloaded 0 Anims."), -1);
+    EXPECT_NE(cLog::GetLog().IndexOf("Reloaded 0 Cameras."), -1);
     cLog::Message("saved");
     Press(settings, "SaveLogToFile");
     EXPECT_NE(Get(Write("Log.txt")).find("saved\r\n"), std::string::npos);

@@ -88,6 +88,7 @@ TEST_F(MaterialImport, EveryKindOfPicture) {
         {"&cMaterial_Bump::ImportNormalMapPlusHeightMap", "AI", F::Rgba8,   F::Rgb8, 4, F::Dxt5,   3, {237, 170, 176}},
         {"&cMaterial_Bump::ImportNormalMapPlusHeightMap", "",   F::Rgb8,    F::R8,   8, F::Dxt1,   3, {200, 100, 50}},
         {"&cMaterial_Bump::ImportNormalMapPlusHeightMap", "",   F::R8,      F::R8,   4, F::None,   0, {}},
+        {"&cMaterial_Bump::ImportNormalMapPlusHeightMap", "",   F::R8,      F::R8,   8, F::Dxt1,   3, {117, 117, 117}},
     };
     // clang-format on
     for (const auto& c : cases) {

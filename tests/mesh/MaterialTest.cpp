@@ -8,6 +8,7 @@
 #include "tests/foundation/FakeClock.h"
 #include "tests/render/RecordingDevice.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -147,6 +148,11 @@ TEST_F(Materials, AreWrittenAsTheyAreRead) {
     EXPECT_TRUE(copy.ReadFromString(saved));
     EXPECT_TRUE(copy.WriteToString(&again));
     EXPECT_EQ(saved, again);
+    cList<cStr> names, copied;
+    g_Materials.ListMaterials(&names);
+    copy.ListMaterials(&copied);
+    EXPECT_GT(names.Count(), 3);
+    EXPECT_TRUE(std::equal(names.begin(), names.end(), copied.begin(), copied.end()));
 }
 
 TEST_F(Materials, EveryLevelOffersItsClassesToAdd) {
