@@ -1,8 +1,16 @@
 #!/bin/sh
 # Builds the 32-bit service and runs it in the foreground. Arguments go to it.
+# "./run.sh workbench [SCENE.Xml]" builds and opens the native workbench instead, in a window.
 set -eu
 cd "$(dirname "$0")"
 . cmake/packages.sh
+if [ "${1-}" = workbench ]; then
+    shift
+    need_packages $build_packages $workbench_packages
+    cmake --preset m64 -DTRELLIS_TESTS=OFF -DTRELLIS_BENCH=OFF >/dev/null
+    cmake --build --preset m64 --target workbench fonts
+    exec out/m64/host/workbench out/m64/data "$@"
+fi
 need_packages $build_packages
 cmake --preset m32 >/dev/null
 cmake --build --preset m32 --target halyard

@@ -61,7 +61,7 @@ void cClassExplorer::AddMenuObject(const char* name, cClass* object, const char*
 
 bool cClassExplorer::Add(const char* name, cClass* object, const char* path) {
     Init();
-    if (!object) {
+    if (!object || Find(object)) {
         return false;
     }
     Object added;
@@ -161,7 +161,8 @@ void cClassExplorer::ReCreateControls() {
 }
 
 void cClassExplorer::Toggle(int* id, bool isClassExplorer) {
-    if (cWidget* form = cWidgets::GetWidget(*id)) {
+    if (Stub* form = GetStub(*id)) {
+        form->End(); // it may have to wait for its deletion
         *id = -1;
         cWidgets::FreeWidget(form, true);
         return;

@@ -63,7 +63,8 @@ public:
         }
     }
 
-    /// Announces an object, which stays the caller's and lives until `RemoveObject`. Null is ignored.
+    /// Announces an object, which stays the caller's and lives until `RemoveObject`. Null is ignored, and one that
+    /// is announced already.
     ///
     /// @param path  an XML file, which the object reads at once; or the folder that its dialogs begin in
     static void AddObject(const char* name, cClass* object, const char* path);

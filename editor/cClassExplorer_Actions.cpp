@@ -149,6 +149,9 @@ void cClassExplorer::Stub::FillClassBox(Row* row) {
 }
 
 void cClassExplorer::Stub::MsgProc(int id, int msg, const void* before, const void* after) {
+    if (m_IsEnding) {
+        return;
+    }
     const auto sender = std::find_if(std::begin(m_Buttons), std::end(m_Buttons), [id](const cButton* button) {
         return button && cWidgets::GetWidgetID(button) == id;
     });
@@ -315,6 +318,7 @@ void cClassExplorer::Stub::Load() {
     }
     object->Folder = filePn.GetFilePath();
     object->FileName = filePn.GetFileName();
+    ClearUndoRedo(); // of what was edited meanwhile
     cClassExplorer::ReCreateControls();
     object->Class->CallDtor(object->Class);
     object->Class->CallCtor(object->Class);
@@ -422,7 +426,7 @@ void cClassExplorer::Stub::Move(int by) {
     }
     cClassExplorer::ReCreateControls();
     list->MoveElement(place, static_cast<char>(by));
-    m_FocusedElement.Index = to; // it goes along
+    m_FocusedElement.Index += by; // it goes along
 }
 
 void cClassExplorer::Stub::Delete() {

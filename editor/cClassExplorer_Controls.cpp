@@ -137,7 +137,7 @@ const Maker* FindMaker(cClass* kind) {
 
 void cClassExplorer::Stub::CreateLeaf(const Row& row, cWnd* parent, const char* label) {
     const Maker* maker = FindMaker(row.Class);
-    if (!maker) {
+    if (!maker || (!row.Data && maker->Type != Nothing)) {
         return;
     }
     cWnd* control = maker->Make({parent, label, row.Data, row.Extra});
@@ -162,6 +162,7 @@ void cClassExplorer::Stub::CreateLeaf(const Row& row, cWnd* parent, const char* 
         addPart(slider->m_Slider, 0);
     } else if (const auto* file = dynamic_cast<cFilePn*>(control)) {
         addPart(file->m_Edit, 0);
+        addPart(file->m_Button, 0);
     }
 }
 

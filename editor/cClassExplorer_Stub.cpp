@@ -82,7 +82,10 @@ void cClassExplorer::Stub::Open(int id) {
     Activate();
 }
 
-cClassExplorer::Stub::~Stub() {
+void cClassExplorer::Stub::End() {
+    if (std::exchange(m_IsEnding, true)) {
+        return;
+    }
     StoreView();
     StoreFocus();
     const Geometry g = GetGeometry();
@@ -96,10 +99,13 @@ cClassExplorer::Stub::~Stub() {
     g.ToolBarScrollPos = m_ToolBar ? m_ToolBar->m_Scroll : g.ToolBarScrollPos;
     int& id = m_IsClassExplorer ? s_ClassExplorerID : s_MainMenuID;
     id = id == m_ID ? -1 : id;
-    m_IsEnding = true; // children go next, and give up the focus
+    Detach();
 }
 
 void cClassExplorer::Stub::OnRender() {
+    if (m_IsEnding) {
+        return;
+    }
     if (const Object* object = Current(); m_IsStale || m_Shown != (object ? object->Class : nullptr)) {
         StoreView();
         StoreFocus();
@@ -182,10 +188,10 @@ void cClassExplorer::Stub::CreateControls(cWnd* parent, cClass* parentClass, cCl
     if (!elementClass) {
         return;
     }
-    if (!data) {
-        return; // of a property that points nowhere at the moment
-    }
     if (elementClass->CheckDirectCasting()) {
+        if (!data) {
+            return; // of a property that points nowhere at the moment
+        }
         elementClass = static_cast<cClass*>(data);
     }
     const cStr label = LabelOf(elementClass, name ? name : "");
@@ -266,14 +272,14 @@ void cClassExplorer::Stub::ReCreateControls(int undo) {
         FreeChild(former);
     }
     CreateControls();
+    AskForRows(); // `OnProcess` waits for the frame, as it may have brought us here
     LoadViewIndex(view);
     RefreshFocus();
 }
 
 /// An object can enable its rows, and open them to writing, by what it holds at the moment.
-void cClassExplorer::Stub::DoExchange() {
-    for (int i = 0; i < m_Rows.Count(); i++) { // `OnProcess` may take them away
-        Row& row = m_Rows[i];
+void cClassExplorer::Stub::AskForRows() {
+    for (Row& row : m_Rows) {
         if (!row.ParentClass) {
             continue;
         }
@@ -285,7 +291,14 @@ void cClassExplorer::Stub::DoExchange() {
         if (row.Control->GetType() == SliderRangedType) {
             std::memcpy(row.Former, row.Data, sizeof(row.Former));
         }
-        if (row.Part == 0) { // once for each element
+    }
+}
+
+void cClassExplorer::Stub::DoExchange() {
+    AskForRows();
+    for (int i = 0; i < m_Rows.Count(); i++) { // each may take them away
+        const Row& row = m_Rows[i];
+        if (row.ParentClass && row.Part == 0) {
             row.Class->OnProcess();
         }
     }
@@ -295,7 +308,10 @@ void cClassExplorer::Stub::DoExchange() {
 
 void cClassExplorer::Stub::SetFocus(cWnd* control) {
     cForm::SetFocus(control);
-    const Row* row = control && !m_IsEnding ? FindRow(cWidgets::GetWidgetID(control)) : nullptr;
+    const Row* row = nullptr;
+    for (const cWnd* w = control; w && !row && !m_IsEnding; w = w->m_Parent) {
+        row = FindRow(cWidgets::GetWidgetID(w));
+    }
     if (!row) {
         return; // of the tool bar, whose buttons work on the element that had it
     }
@@ -309,7 +325,7 @@ void cClassExplorer::Stub::SetFocus(cWnd* control) {
 cClassExplorer::Stub::Row* cClassExplorer::Stub::Focused() {
     for (Row& row : m_Rows) {
         const Focus& f = m_FocusedElement;
-        if (f.Class && row.Class == f.Class && row.Data == f.Data && row.Index == f.Index &&
+        if (f.Data && row.Class == f.Class && row.Data == f.Data && row.Index == f.Index &&
             row.ParentClass == f.Panel) {
             return &row;
         }

@@ -15,7 +15,7 @@ class cClassExplorer::Stub : public cForm {
 public:
     /// @param isClassExplorer  false: the main menu
     Stub(bool isClassExplorer, const cRect& bounds, const cTheme* theme);
-    ~Stub() override; ///< Keeps place, view and focus for the next time.
+    ~Stub() override { End(); }
 
     void OnRender() override;
     void MsgProc(int id, int msg, const void* before, const void* after) override;
@@ -28,6 +28,7 @@ public:
     void RequestReCreate() { m_ReCreate = true; } ///< In the next frame.
     void ForgetView(const cClass* object);        ///< It was reset.
     void Open(int id);                            ///< Once the manager has the form, as that widget.
+    void End(); ///< Keeps place, view and focus for the next time, and lets go of the object.
 
     static cStr GetDisplayName(const char* id); ///< "Cast Shadows" of "&cLamp::CastShadows".
 
@@ -80,6 +81,7 @@ private:
     void ReCreateControls(int undo); ///< -1, 1: after an undo or a redo.
     void AlignControls();
     void DoExchange();
+    void AskForRows();
     Row* FindRow(int id);
     static bool Holds(cClass* object, void* data, const UndoRedoNode& node);
     static cStr LabelOf(cClass* elementClass, const char* name);

@@ -12,4 +12,7 @@ void RegisterDaylight();
 /// One mesh of bump vertices under the world matrix, lit by the vertex, in one colour.
 void DrawInDaylight(const cModel::Mesh& mesh, const cColor& color);
 
+/// Of the scenes' materials by their names; a grey for any other.
+cColor DaylightColorOf(const char* material);
+
 } // namespace trellis

@@ -42,23 +42,6 @@ using namespace trellis;
 
 namespace {
 
-constexpr struct {
-    const char* Name;
-    cColor Color;
-} s_Materials[] = {
-    {"white", {0.92f, 0.9f, 0.86f, 1}}, {"red", {0.75f, 0.16f, 0.12f, 1}},  {"iron", {0.25f, 0.27f, 0.3f, 1}},
-    {"rock", {0.45f, 0.42f, 0.38f, 1}}, {"reed", {0.45f, 0.62f, 0.25f, 1}}, {"glass", {0.98f, 0.86f, 0.45f, 1}},
-};
-
-cColor ColorOf(const cStr& material) {
-    for (const auto& m : s_Materials) {
-        if (std::strcmp(material, m.Name) == 0) {
-            return m.Color;
-        }
-    }
-    return {0.7f, 0.7f, 0.72f, 1};
-}
-
 /// What stands in the world; behind the handles, in front of the viewer.
 class Scene : public cWidget {
 public:
@@ -153,7 +136,7 @@ public:
         }
         cRender::SetWorldMatrix(World());
         for (const cModel::Mesh& mesh : m_Posed.Meshes) {
-            DrawInDaylight(mesh, ColorOf(mesh.MaterialName));
+            DrawInDaylight(mesh, DaylightColorOf(mesh.MaterialName));
         }
         if (m_ShowBounds) {
             cRender::DrawBounds(m_Posed.Bounds, cColor::Orange);

@@ -72,7 +72,7 @@ cVec3 PlaneHit(const cPlane& plane, const cVec3& p, float distance, const cVec3&
     return p - way * (distance / cVec3::Dot(plane.normal, way));
 }
 
-/// A segment against boxes. What it says no to is beside it, also beside where rounding may see the crossing points.
+/// A segment against boxes. What it says no to is beside it, with room for how crossing points are rounded.
 class Passing {
 public:
     Passing(const cVec3& from, const cVec3& direction) {

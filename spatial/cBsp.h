@@ -71,8 +71,7 @@ public:
                           cList<const Triangle*>* out) const;
 
     void GetAllTriangles(cList<Triangle>* out) const; ///< Each node before its front, and then its back child.
-    void
-    Transform(const cMat4& m); ///< Each node by itself: a mirroring matrix turns fronts into backs, and needs `Build`.
+    void Transform(const cMat4& m); ///< A mirroring matrix turns fronts into backs: then the tree has to be built anew.
 
     bool Load(const cFile& file); ///< @return false at the first short read; what was read stays for `Free`
     bool Save(cFile* file) const; ///< @return true

@@ -12,7 +12,7 @@ namespace trellis {
 
 void cBsp_Chooser::Take(const cList<cBsp::Triangle>& triangles) {
     m_Count = triangles.Count();
-    m_SplitCosts.resize(1, 0.0f);
+    m_SplitCosts.resize(1);
     for (int i = 0; i < m_Count; i++) {
         m_SplitCosts.push_back(m_SplitCosts.back() + m_SplitCost);
     }

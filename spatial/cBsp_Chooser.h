@@ -28,7 +28,7 @@ private:
     void Classify(const cPlane& plane, int i, int* splits, int* balance) const;
 
     float m_SplitCost, m_BalanceCost, m_Epsilon;
-    std::vector<float> m_SplitCosts; // of so many splits, added up one by one as costs are
+    std::vector<float> m_SplitCosts{0.0f}; // of so many splits, added up one by one as costs are
     int m_Count = 0;
     std::vector<float> m_Coordinates[9]; // of corner 0: x, y, z; of corner 1, ...
 };

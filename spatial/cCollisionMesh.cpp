@@ -95,6 +95,7 @@ void cCollisionMesh::AddModel(const cModel& model, const cMat4& transform, int d
 }
 
 void cCollisionMesh::BuildBsp() {
+    Bsp.Free(); // a tree of triangles that are gone would stay, as one of none is never built
     for (const Triangle& t : Triangles) {
         Bsp.AddTriangle(t.Corners[0], t.Corners[1], t.Corners[2], t.Data);
     }

@@ -15,8 +15,7 @@ class cMat4;
 class cModel;
 
 /// Triangles are met from the front only, which is counterclockwise; those too small for a normal by their edges, from
-/// all sides. Queries are const, use local storage only, and run
-/// on several threads at once.
+/// all sides. Queries are const, use local storage only, and run on several threads at once.
 class cCollisionMesh {
 public:
     struct Triangle {

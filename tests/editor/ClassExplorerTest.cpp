@@ -596,6 +596,67 @@ TEST_F(ClassExplorer, UndoKnowsWhatHasGone) {
     EXPECT_EQ(object.Int, 9);
 }
 
+/// In one go, as from within a callback, where what is freed waits: no place is lost, and nothing is touched any more.
+TEST_F(ClassExplorer, ClosesAndOpensWithinACallback) {
+    static cShowcase* s_Object;
+    s_Object = &object;
+    struct Closer : cWidget {
+        void OnRender() override {
+            if (Times-- > 0) {
+                cClassExplorer::ToggleClassExplorer();
+                s_Object->DropShapes();
+                if (IsBack) {
+                    cClassExplorer::ToggleClassExplorer();
+                }
+            }
+        }
+        int Times = 0;
+        bool IsBack = false;
+    };
+    object.Shapes.Add(new cBall);
+    object.Shapes.SetFlags(1);
+    object.Shapes.GetObject(0)->SetFlags(1);
+    cClassExplorer::AddObject("Object", &object, "");
+    cClassExplorer::AddObject("Object again", &object, "");
+    EXPECT_EQ(cClassExplorer::GetObjects().Count(), 1);
+    auto* closer = new Closer;
+    cWidgets::AddWidget(closer, 0);
+    Open();
+    Focus("Str");
+    Form()->Maximize();
+    Settle();
+    closer->IsBack = true;
+    closer->Times = 1;
+    Settle();
+    EXPECT_EQ(Form()->m_State, cForm::Maximized);
+    EXPECT_EQ(Form()->m_Focus, Find("Str"));
+    closer->IsBack = false;
+    closer->Times = 1;
+    Settle();
+    EXPECT_FALSE(cClassExplorer::GetVisible());
+}
+
+TEST_F(ClassExplorer, RangesRightAfterARebuild) {
+    object.RangedI[0] = 5;
+    object.RangedI[1] = 2;
+    cClassExplorer::AddObject("Object", &object, "");
+    Open();
+    Enter("Int", "1");
+    Form()->MsgProc(cWidgets::GetWidgetID(Find("Undo")), cControl::Pressed, nullptr, nullptr);
+    Enter(Find<cSliderRanged>("Ranged I")->m_Lower, "3"); // no frame in between
+    EXPECT_EQ(cClassExplorer::GetObjects()[0].Undo.Count(), 1);
+    Push("Undo");
+    EXPECT_EQ(object.RangedI[0], 5);
+    EXPECT_EQ(object.RangedI[1], 2);
+    auto* file = Find<cFilePn>("Xml File");
+    Focus("Int");
+    file->SetFocus(file->m_Button);
+    object.Files[6] = "a.Xml";
+    Push("Clear");
+    EXPECT_STREQ(object.Files[6], "") << "and not the one before";
+    EXPECT_EQ(object.Int, 5);
+}
+
 /// The dialog lets the rest of the program go on, which closes the form.
 TEST_F(ClassExplorer, DialogsThatCloseTheForm) {
     cClassExplorer::AddObject("Object", &object, "");

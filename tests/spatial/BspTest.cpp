@@ -315,6 +315,7 @@ TEST(Bsp, BrokenPlanesAndLongWays) {
     bsp.GetTrianglesWithinRadius({0.1f, 0, 0}, 1, &found);
     EXPECT_EQ(Datas(found), "2 ");
     Random random(4);
+    int hits = 0;
     for (int i = 0; i < 5000; i++) {
         const cVec3 way(1e7f, random.In(-1e7f, 1e7f), random.In(-1e7f, 1e7f)), at(0, 0.03f, 0.03f);
         const cVec3 from = at - way * 0.37f, to = at + way * 0.63f;
@@ -322,8 +323,10 @@ TEST(Bsp, BrokenPlanesAndLongWays) {
         const float start = t.Plane.SignedDistance(from);
         if (t.IsAbove(from - (to - from) * (start / cVec3::Dot(t.Plane.normal, to - from)))) {
             EXPECT_TRUE(bsp.Intersects(from, to, nullptr, nullptr)) << i;
+            hits++;
         }
     }
+    EXPECT_GT(hits, 100);
 }
 
 TEST(Bsp, FourAtATimeScoreTheSame) {
