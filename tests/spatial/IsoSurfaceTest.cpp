@@ -107,8 +107,9 @@ TEST(IsoSurface, ListsAreWalkedInOrder) {
             for (int i = 0; i < 8; i++) {
                 constexpr int Steps[8][3] = {{}, {1}, {1, 1}, {0, 1}, {0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1}};
                 const int step = (Steps[i][2] * (y + 1) + Steps[i][1]) * (x + 1) + Steps[i][0];
-                ASSERT_EQ(place(cell.Points[i]), place(cell.Points[0]) + step);
-                below |= (cell.Points[i]->Value < 0) << i;
+                const cIsoSurface::Point* point = cell.Points[i];
+                ASSERT_EQ(place(point), place(cell.Points[0]) + step);
+                below += point->Value < 0 ? 1 << i : 0;
             }
             for (int i = 0; i < 12; i++) {
                 ASSERT_EQ(std::minmax(cell.Edges[i]->A, cell.Edges[i]->B),
