@@ -50,7 +50,3 @@ endif()
 add_library(halyard_warnings INTERFACE)
 target_compile_options(halyard_warnings INTERFACE
   -Wall -Wextra -Werror -Wshadow -Wnon-virtual-dtor -Wformat=2 -Woverloaded-virtual -Wcast-qual -Wundef -Wvla)
-if(TRELLIS_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # Instrumented code misleads it; the plain builds have it.
-  target_compile_options(halyard_warnings INTERFACE -Wno-maybe-uninitialized)
-endif()
