@@ -54,8 +54,9 @@ void cClassExplorer::AddObject(const char* name, cClass* object, const char* pat
 }
 
 void cClassExplorer::AddMenuObject(const char* name, cClass* object, const char* path) {
-    if (Add(name, object, path)) {
-        s_MainMenuObjIndex = 0;
+    Add(name, object, path);
+    if (const Object* added = Find(object)) { // it may have been announced already
+        s_MainMenuObjIndex = s_Objects.Count() - 1 - int(added - s_Objects.Data());
     }
 }
 

@@ -176,7 +176,7 @@ void cClassExplorer::Stub::OnControlChanged(Row* row, int msg, const void* befor
         return;
     }
     if (msg == cControl::Pressed) {
-        row->Class->call(row->ParentData, nullptr);
+        row->Class->call(row->ParentClass, nullptr);
         cClassExplorer::ReCreateControls(); // it may have changed anything, and closed this form
         return;
     }
@@ -296,52 +296,47 @@ void cClassExplorer::Stub::Redo() {
 
 // ---- Files
 
-void cClassExplorer::Stub::Load() {
+/// The dialog lets the rest of the program go on.
+///
+/// @return the object that is shown, its path stored; null when it was cancelled, or is not shown any more
+cClassExplorer::Object* cClassExplorer::Stub::AskForFile(bool (*dialog)(cStr* filePn), cStr* filePn) {
+    const Object* asked = Current();
+    if (!asked) {
+        return nullptr;
+    }
+    cIO::SetXmlDialogInitialPath(asked->Folder);
+    cIO::SetXmlDialogInitialFile(asked->FileName);
+    const cClass* shown = asked->Class;
+    const Guard guard(this);
+    if (!dialog(filePn) || guard.IsGone()) {
+        return nullptr;
+    }
     Object* object = Current();
-    if (!object) {
-        return;
+    if (!object || object->Class != shown) {
+        return nullptr;
     }
-    ClearUndoRedo();
-    cIO::SetXmlDialogInitialPath(object->Folder);
-    cIO::SetXmlDialogInitialFile(object->FileName);
-    cStr filePn;
-    cClass* shown = object->Class;
-    const Guard guard(this); // the dialog lets the rest of the program go on
-    const bool accepted = cIO::LoadXmlDialog(&filePn);
-    if (guard.IsGone()) {
-        return;
-    }
+    object->Folder = filePn->GetFilePath();
+    object->FileName = filePn->GetFileName();
+    return object;
+}
+
+void cClassExplorer::Stub::Load() {
+    ClearUndoRedo(); // also when the dialog is cancelled
     UpdateButtons();
-    object = Current();
-    if (!accepted || !object || object->Class != shown) {
-        return;
+    cStr filePn;
+    if (const Object* object = AskForFile(cIO::LoadXmlDialog, &filePn)) {
+        cClass* shown = object->Class;
+        ClearUndoRedo(); // of what was edited meanwhile
+        cClassExplorer::ReCreateControls();
+        shown->CallDtor(shown);
+        shown->CallCtor(shown);
+        shown->ReadFromFile(filePn);
     }
-    object->Folder = filePn.GetFilePath();
-    object->FileName = filePn.GetFileName();
-    ClearUndoRedo(); // of what was edited meanwhile
-    cClassExplorer::ReCreateControls();
-    object->Class->CallDtor(object->Class);
-    object->Class->CallCtor(object->Class);
-    object->Class->ReadFromFile(filePn);
 }
 
 void cClassExplorer::Stub::Save() {
-    Object* object = Current();
-    if (!object) {
-        return;
-    }
-    cIO::SetXmlDialogInitialPath(object->Folder);
-    cIO::SetXmlDialogInitialFile(object->FileName);
     cStr filePn;
-    cClass* shown = object->Class;
-    const Guard guard(this);
-    if (!cIO::SaveXmlDialog(&filePn) || guard.IsGone()) {
-        return;
-    }
-    object = Current();
-    if (object && object->Class == shown) {
-        object->Folder = filePn.GetFilePath();
-        object->FileName = filePn.GetFileName();
+    if (const Object* object = AskForFile(cIO::SaveXmlDialog, &filePn)) {
         object->Class->WriteToFile(filePn);
     }
 }

@@ -195,7 +195,7 @@ void cClassExplorer::Stub::CreateControls(cWnd* parent, cClass* parentClass, cCl
         elementClass = static_cast<cClass*>(data);
     }
     const cStr label = LabelOf(elementClass, name ? name : "");
-    const Row row{-1, nullptr, elementClass, parentClass, data, extra, parentClass, name, m_Index, data, 0, {}};
+    const Row row{-1, nullptr, elementClass, parentClass, data, extra, name, m_Index, data, 0, {}};
     const int count = elementClass->GetAmountOfEditableElements(data, s_All);
     if (count == 0) {
         CreateLeaf(row, parent, label);

@@ -41,10 +41,9 @@ private:
         int ID; ///< Of the widget.
         cWnd* Control;
         cClass* Class;
-        cClass* ParentClass; ///< Null for the object itself.
+        cClass* ParentClass; ///< The object that it is an element of; null for the shown one itself.
         void* Data;
         void* Extra;
-        void* ParentData;
         cStr ParentName; ///< Of the element in its parent.
         int Index;       ///< As in `Focus`.
         void* Target;    ///< What the control writes: of a vector's part, one of its numbers.
@@ -116,6 +115,7 @@ private:
 
     // ---- Tool bar
     void CreateToolBar();
+    Object* AskForFile(bool (*dialog)(cStr* filePn), cStr* filePn);
     void Load();
     void Save();
     void Undo();

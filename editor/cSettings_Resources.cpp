@@ -8,6 +8,8 @@
 #include "mesh/cMaterials.h"
 #include "mesh/cModel.h"
 
+#include <iterator>
+
 namespace trellis {
 
 namespace {
@@ -78,28 +80,19 @@ void cSettings::ListUnusedResources(const char* folder, const char* label, const
 }
 
 void cSettings::ListUnused() {
-    switch (ResourcesKind(Resources)) {
-    case Materials:
+    static constexpr struct {
+        const char *Folder, *Label, *Extensions;
+    } kinds[] = {
+        // from `Textures` on
+        {"Textures", "Textures", "dds;bmp"}, {"Models", "Models", "cModel"}, {"Models", "Anims", "cAnim"},
+        {"Models", "Cameras", "cCamera"},    {"Models", "BSP", "cBSP"},      {"Sounds", "Sounds", "caf"},
+    };
+    static_assert(std::size(kinds) == Sounds - Textures + 1);
+    if (Resources == Materials) {
         ListUnusedMaterials();
-        break;
-    case Textures:
-        ListUnusedResources("Textures", "Textures", "dds;bmp", false);
-        break;
-    case Models:
-        ListUnusedResources("Models", "Models", "cModel", false);
-        break;
-    case Anims:
-        ListUnusedResources("Models", "Anims", "cAnim", false);
-        break;
-    case Cameras:
-        ListUnusedResources("Models", "Cameras", "cCamera", false);
-        break;
-    case Bsp:
-        ListUnusedResources("Models", "BSP", "cBSP", false);
-        break;
-    case Sounds:
-        ListUnusedResources("Sounds", "Sounds", "caf", false);
-        break;
+    } else if (Resources >= Textures && Resources <= Sounds) {
+        const auto& kind = kinds[Resources - Textures];
+        ListUnusedResources(kind.Folder, kind.Label, kind.Extensions, false);
     }
     cLog::ShowDialog(cLog::Mode::Message);
 }

@@ -50,10 +50,15 @@ cVec3 Decode(const unsigned char* p) {
 }
 
 /// Adds the relief of `other` where the sizes agree; alpha stays.
-void MixNormals(cImage* image, const cImage& other) {
+///
+/// @return false when they do, and there is nothing to add it to
+bool MixNormals(cImage* image, const cImage& other) {
     if (image->GetWidth() != other.GetWidth() || image->GetHeight() != other.GetHeight() ||
         image->GetDepth() != other.GetDepth()) {
-        return;
+        return true;
+    }
+    if (image->GetFormat() != cFormat::Rgb8 && image->GetFormat() != cFormat::Rgba8) {
+        return false;
     }
     const int step = cFormat::ChannelCount[image->GetFormat()], otherStep = cFormat::ChannelCount[other.GetFormat()];
     unsigned char* p = image->GetPixels();
@@ -64,6 +69,7 @@ void MixNormals(cImage* image, const cImage& other) {
             p[axis] = static_cast<unsigned char>((n[axis] + 1) * 0.5f * 255);
         }
     }
+    return true;
 }
 
 bool LoadNormalMap(const cMaterial_ImportArgs& args, cStr* filePn, cImage* image) {
@@ -115,19 +121,9 @@ bool MakePicture(const cMaterial_ImportArgs& args, cStr* source, cImage* image) 
     if (!LoadNormalMap(args, source, image)) {
         return false;
     }
-    if (mixed) {
-        cStr filePn;
-        cImage relief;
-        if (!LoadMain(args, &filePn, &relief)) {
-            return false;
-        }
-        const bool hasNormals = image->GetFormat() == cFormat::Rgb8 || image->GetFormat() == cFormat::Rgba8;
-        if (image->GetWidth() == relief.GetWidth() && image->GetHeight() == relief.GetHeight() && !hasNormals) {
-            return false; // there is nothing to mix with
-        }
-        MixNormals(image, relief);
-    }
-    return true;
+    cStr filePn;
+    cImage relief;
+    return !mixed || (LoadMain(args, &filePn, &relief) && MixNormals(image, relief));
 }
 
 /// Without its slash, unless that is all.

@@ -532,6 +532,11 @@ TEST_F(ClassExplorer, MainMenu) {
     EXPECT_EQ(menu.Color.GetFlags() & 1, 1);
     Push("Double");
     EXPECT_EQ(menu.Int, 18);
+    cClassExplorer::AddMenuObject("B", &b, ""); // which is announced already
+    Settle();
+    EXPECT_STREQ(Form()->m_Title, "B");
+    EXPECT_EQ(cClassExplorer::GetObjects().Count(), 3);
+    cClassExplorer::AddMenuObject("Menu", &menu, "");
     cClassExplorer::RemoveObject(&menu);
     Settle();
     EXPECT_STREQ(Form()->m_Title, "");
