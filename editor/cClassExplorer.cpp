@@ -102,11 +102,7 @@ void cClassExplorer::RemoveObject(const cClass* object) {
         }
     }
     s_SessionHistoryIndex = std::max(s_SessionHistoryIndex, s_SessionHistory_ObjIndex.IsEmpty() ? -1 : 0);
-    for (const int id : {s_ClassExplorerID, s_MainMenuID}) {
-        if (Stub* stub = GetStub(id)) {
-            stub->OnObjectRemoved(index, object);
-        }
-    }
+    ForEachForm([&](Stub* stub) { stub->OnObjectRemoved(index, object); });
 }
 
 void cClassExplorer::ReloadObject(cClass* object, const char* path) {
@@ -121,11 +117,7 @@ void cClassExplorer::ReloadObject(cClass* object, const char* path) {
     found->UndoIndex = -1;
     found->View = cVec2(0, 0);
     found->FocusedElement = {};
-    for (const int id : {s_ClassExplorerID, s_MainMenuID}) {
-        if (Stub* stub = GetStub(id)) {
-            stub->ForgetView(object);
-        }
-    }
+    ForEachForm([object](Stub* stub) { stub->ForgetView(object); });
     object->CallDtor(object);
     object->CallCtor(object);
     object->ReadFromFile(path);
@@ -153,12 +145,10 @@ void cClassExplorer::FocusObject(cClass* object) {
 }
 
 void cClassExplorer::ReCreateControls() {
-    for (const int id : {s_ClassExplorerID, s_MainMenuID}) {
-        if (Stub* stub = GetStub(id)) {
-            stub->Detach();
-            stub->RequestReCreate();
-        }
-    }
+    ForEachForm([](Stub* stub) {
+        stub->Detach();
+        stub->RequestReCreate();
+    });
 }
 
 void cClassExplorer::Toggle(int* id, bool isClassExplorer) {
@@ -190,11 +180,9 @@ void cClassExplorer::ToggleMainMenu() {
 }
 
 bool cClassExplorer::GetVisible() {
-    const auto isVisible = [](int id) {
-        const Stub* stub = GetStub(id);
-        return stub && stub->IsVisible();
-    };
-    return isVisible(s_ClassExplorerID) || isVisible(s_MainMenuID);
+    bool isVisible = false;
+    ForEachForm([&isVisible](const Stub* stub) { isVisible = isVisible || stub->IsVisible(); });
+    return isVisible;
 }
 
 } // namespace trellis

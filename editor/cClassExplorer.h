@@ -12,6 +12,8 @@
 #include "foundation/cStr.h"
 #include "math/cVec2.h"
 
+#include <initializer_list>
+
 namespace trellis {
 
 class cClass;
@@ -93,6 +95,14 @@ private:
     static Object* Find(const cClass* object); ///< Null when it was not announced.
     static Stub* GetStub(int id);              ///< Null while that form is closed.
     static void Toggle(int* id, bool isClassExplorer);
+
+    template <class Call> static void ForEachForm(Call call) { ///< Of the open ones.
+        for (const int id : {s_ClassExplorerID, s_MainMenuID}) {
+            if (Stub* stub = GetStub(id)) {
+                call(stub);
+            }
+        }
+    }
 
     static inline bool Inited = false;
     static inline constinit cList<Object> s_Objects;

@@ -272,11 +272,7 @@ void cClassExplorer::Stub::UpdateUndoRedo(int direction) {
     }
     object->UndoIndex += direction == -1 ? -1 : 1;
     node.Do(direction);
-    for (const int id : {s_ClassExplorerID, s_MainMenuID}) {
-        if (Stub* stub = GetStub(id); stub && stub != this) {
-            stub->RequestReCreate(); // it may show the value as well
-        }
-    }
+    ForEachForm([](Stub* stub) { stub->RequestReCreate(); }); // the other one may show the value as well
 }
 
 void cClassExplorer::Stub::ClearUndoRedo() {

@@ -261,12 +261,12 @@ void cClassExplorer::Stub::Detach() {
 }
 
 void cClassExplorer::Stub::ReCreateControls(int undo) {
-    m_ReCreate = false;
     const cVec2 view(m_RelClient.x0, m_RelClient.y1);
     if (undo != 0) {
         StoreView();
         UpdateUndoRedo(undo);
     }
+    m_ReCreate = false;
     Detach();
     if (cWnd* former = std::exchange(m_Panel, nullptr)) {
         FreeChild(former);
