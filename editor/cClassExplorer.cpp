@@ -34,6 +34,11 @@ void StorePath(cClassExplorer::Object* object, const char* path) {
 
 void cClassExplorer::UndoRedoNode::Do(int direction) const {
     const bool isOld = direction == -1;
+    if (Member && Member->IntGetter) {
+        int value = Bool ? int(isOld ? OldBool : NewBool) : isOld ? OldInt : NewInt;
+        Member->RunSetter(Owner, &value);
+        return;
+    }
     if (Bool) {
         *Bool = isOld ? OldBool : NewBool;
     } else if (Int) {
@@ -42,6 +47,9 @@ void cClassExplorer::UndoRedoNode::Do(int direction) const {
         *Float = isOld ? OldFloat : NewFloat;
     } else if (Str) {
         *Str = isOld ? OldStr : NewStr;
+    }
+    if (Member) {
+        Member->RunSetter(Owner, Member->Locate(Owner));
     }
 }
 

@@ -17,6 +17,7 @@
 namespace trellis {
 
 class cClass;
+class cOneClassMemberStorage;
 class cXml;
 
 /// Everything is kept while the forms are closed. Main thread only.
@@ -34,6 +35,8 @@ public:
         int* Int = nullptr;
         float* Float = nullptr;
         cStr* Str = nullptr;
+        cClass* Owner = nullptr;                        ///< Of the element.
+        const cOneClassMemberStorage* Member = nullptr; ///< Its accessors. Null: it has none.
     };
 
     /// An element that has the focus. Its pointers are compared with those of controls, and never followed.

@@ -25,14 +25,8 @@ namespace {
 
 using Icons = cTheme::ToolBarIcon;
 
-bool BeginsWith(const char* name, const char* prefix) {
-    return name && cStr::Compare(name, prefix, int(std::strlen(prefix))) == 0;
-}
-bool IsList(cClass* c) {
-    return c && BeginsWith(c->GetClassName(), "cClassList.");
-}
 bool CanBeAddedTo(cClass* c) {
-    return IsList(c) || (c && BeginsWith(c->GetClassName(), "cClassPtr."));
+    return cClass::IsListName(c->GetClassName()) || cClass::IsPointerName(c->GetClassName());
 }
 
 } // namespace
@@ -181,6 +175,8 @@ void cClassExplorer::Stub::OnControlChanged(Row* row, int msg, const void* befor
         return;
     }
     UndoRedoNode node;
+    node.Owner = row->ParentClass;
+    node.Member = row->Member;
     const auto* ints = static_cast<const int*>(before);
     const auto* floats = static_cast<const float*>(before);
     switch (msg) {
@@ -214,6 +210,11 @@ void cClassExplorer::Stub::OnControlChanged(Row* row, int msg, const void* befor
     }
     RecordPushed(*row);
     AddUndoRedoNode(node);
+    if (row->Value) {
+        WriteProperties();
+    } else {
+        RunSetter(*row, row->Data);
+    }
 }
 
 /// The ends of a range push each other, and say nothing of it: what has changed since the last frame is recorded, too.
@@ -233,6 +234,8 @@ void cClassExplorer::Stub::RecordPushed(const Row& changed) {
             continue;
         }
         UndoRedoNode node;
+        node.Owner = range->ParentClass;
+        node.Member = range->Member;
         if (isFloat) {
             node.OldFloat = std::bit_cast<float>(former);
             node.NewFloat = std::bit_cast<float>(range->Former[i]);
@@ -345,7 +348,8 @@ void cClassExplorer::Stub::Copy() {
         return;
     }
     cClassExplorer_ClipBoard.ClearAll();
-    row->Class->Save(cClassExplorer_ClipBoard, row->Data, row->Extra);
+    void* data = row->Value ? row->Value : row->Data;
+    row->Class->Save(cClassExplorer_ClipBoard, data, row->Extra);
     if (cClassExplorer_ClipBoard.GetName().IsEmpty()) { // an object names itself
         cClassExplorer_ClipBoard.SetQuoteName(GetClipBoardName(row->Class, row->Data));
     }
@@ -364,12 +368,15 @@ void cClassExplorer::Stub::Paste() {
         const Row element = *row;
         ResetElement(element);
         element.Class->Load(cClassExplorer_ClipBoard, element.Data, nullptr, element.Extra);
+        RunSetter(element, element.Data);
     }
 }
 
 void cClassExplorer::Stub::Clear() {
     if (const Row* row = Focused()) {
-        ResetElement(Row(*row));
+        const Row element = *row;
+        ResetElement(element);
+        RunSetter(element, element.Data);
     }
 }
 
@@ -385,7 +392,7 @@ void cClassExplorer::Stub::ResetElement(const Row& row) {
 
 cClass* cClassExplorer::Stub::ListOf(const Row& row) {
     cClass* parent = row.Class->CheckDirectCasting() ? row.Class->GetParent() : nullptr;
-    return IsList(parent) ? parent : nullptr;
+    return parent && cClass::IsListName(parent->GetClassName()) ? parent : nullptr;
 }
 
 void cClassExplorer::Stub::Add() {

@@ -135,12 +135,15 @@ const Maker* FindMaker(cClass* kind) {
 
 } // namespace
 
-void cClassExplorer::Stub::CreateLeaf(const Row& row, cWnd* parent, const char* label) {
+void cClassExplorer::Stub::CreateLeaf(Row row, cWnd* parent, const char* label) {
     const Maker* maker = FindMaker(row.Class);
     if (!maker || (!row.Data && maker->Type != Nothing)) {
         return;
     }
-    cWnd* control = maker->Make({parent, label, row.Data, row.Extra});
+    if (row.Member && row.Member->IntGetter) {
+        row.Value = &m_Values.emplace_back(0);
+    }
+    cWnd* control = maker->Make({parent, label, row.Value ? row.Value : row.Data, row.Extra});
     AddRow(row, control, 0, row.Data);
 
     // The parts speak for themselves: each of a vector writes its own number.
@@ -181,6 +184,9 @@ bool cClassExplorer::Stub::Holds(cClass* object, void* data, const UndoRedoNode&
             if (Holds(static_cast<cClass*>(element), element, node)) {
                 return true;
             }
+            continue;
+        }
+        if (node.Member && (node.Owner != object || node.Member != object->GetElementCMS(i))) {
             continue;
         }
         const Maker* maker = FindMaker(c);

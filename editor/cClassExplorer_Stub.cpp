@@ -156,8 +156,7 @@ cStr cClassExplorer::Stub::GetDisplayName(const char* id) {
 
 cStr cClassExplorer::Stub::LabelOf(cClass* elementClass, const char* name) {
     cStr label = GetDisplayName(name);
-    const char* className = elementClass->GetClassName();
-    if (className && cStr::Compare(className, "cClassPtr.", 10) == 0) {
+    if (cClass::IsPointerName(elementClass->GetClassName())) {
         if (cClass* target = elementClass->GetElementClass(0)) {
             label += cStr(" - ") + target->GetClassName();
         }
@@ -195,7 +194,11 @@ void cClassExplorer::Stub::CreateControls(cWnd* parent, cClass* parentClass, cCl
         elementClass = static_cast<cClass*>(data);
     }
     const cStr label = LabelOf(elementClass, name ? name : "");
-    const Row row{-1, nullptr, elementClass, parentClass, data, extra, name, m_Index, data, 0, {}};
+    Row row{-1, nullptr, elementClass, parentClass, data, extra, name, m_Index, data, 0, {}};
+    const cOneClassMemberStorage* member = parentClass ? parentClass->GetElementCMS(m_Index) : nullptr;
+    if (member && member->HasAccessors()) {
+        row.Member = member;
+    }
     const int count = elementClass->GetAmountOfEditableElements(data, s_All);
     if (count == 0) {
         CreateLeaf(row, parent, label);
@@ -258,6 +261,7 @@ void cClassExplorer::Stub::Detach() {
             control->Unbind();
         }
     }
+    m_Values.clear();
 }
 
 void cClassExplorer::Stub::ReCreateControls(int undo) {
@@ -291,10 +295,31 @@ void cClassExplorer::Stub::AskForRows() {
         if (row.Control->GetType() == SliderRangedType) {
             std::memcpy(row.Former, row.Data, sizeof(row.Former));
         }
+        if (row.Value && row.Part == 0) {
+            *row.Value = row.Former[0] = *static_cast<int*>(row.Member->Locate(row.ParentClass));
+        }
+    }
+}
+
+/// What controls have written to their own values.
+void cClassExplorer::Stub::WriteProperties() {
+    for (int i = 0; i < m_Rows.Count(); i++) { // each may take them away
+        Row& row = m_Rows[i];
+        if (row.Value && row.Part == 0 && *row.Value != row.Former[0]) {
+            row.Former[0] = *row.Value;
+            RunSetter(row, row.Value);
+        }
+    }
+}
+
+void cClassExplorer::Stub::RunSetter(const Row& row, void* value) {
+    if (row.Member) {
+        row.Member->RunSetter(row.ParentClass, value);
     }
 }
 
 void cClassExplorer::Stub::DoExchange() {
+    WriteProperties();
     AskForRows();
     for (int i = 0; i < m_Rows.Count(); i++) { // each may take them away
         const Row& row = m_Rows[i];
@@ -339,10 +364,10 @@ void cClassExplorer::Stub::StoreFocus() {
     }
 }
 
+/// The controls of the object are made after it.
 void cClassExplorer::Stub::RestoreFocus() {
     const Object* object = Current();
     m_FocusedElement = object ? object->FocusedElement : Focus();
-    RefreshFocus();
 }
 
 /// The controls are new: the focus goes to that of the same element.
@@ -389,10 +414,9 @@ void cClassExplorer::Stub::ApplyCurIndex() {
     }
     m_Shown = object ? object->Class : nullptr;
     m_IsStale = false;
-    m_FocusedElement = {};
+    RestoreFocus();
     ReCreateControls(0);
     LoadViewIndex(object ? object->View : cVec2(0, 0));
-    RestoreFocus();
 }
 
 void cClassExplorer::Stub::GoToObject(int index) {

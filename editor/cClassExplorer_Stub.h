@@ -4,6 +4,8 @@
 #include "editor/cClassExplorer.h"
 #include "ui/cForm.h"
 
+#include <deque>
+
 namespace trellis {
 
 class cButton;
@@ -46,9 +48,11 @@ private:
         void* Extra;
         cStr ParentName; ///< Of the element in its parent.
         int Index;       ///< As in `Focus`.
-        void* Target;    ///< What the control writes: of a vector's part, one of its numbers.
+        void* Target;    ///< What is changed: of a vector's part, one of its numbers.
         int Part;        ///< Of the element's control; 0: the whole, which comes first.
-        int Former[3];   ///< Of a range: its numbers in the last frame, bit by bit.
+        int Former[3];   ///< Of a range: its numbers in the last frame, bit by bit. Of `Value`: what it was read as.
+        const cOneClassMemberStorage* Member = nullptr; ///< The element's accessors. Null: it has none.
+        int* Value = nullptr; ///< What the control of a property that is read by value is bound to.
     };
     enum ActionID : int {
         LoadAction,
@@ -75,12 +79,14 @@ private:
     void CreateControls();
     void CreateControls(cWnd* parent, cClass* parentClass, cClass* elementClass, void* data, void* extra,
                         const char* name, bool simple);
-    void CreateLeaf(const Row& row, cWnd* parent, const char* label);
+    void CreateLeaf(Row row, cWnd* parent, const char* label);
     void AddRow(Row row, cWnd* control, int part, void* target);
     void ReCreateControls(int undo); ///< -1, 1: after an undo or a redo.
     void AlignControls();
     void DoExchange();
     void AskForRows();
+    void WriteProperties();
+    static void RunSetter(const Row& row, void* value);
     Row* FindRow(int id);
     static bool Holds(cClass* object, void* data, const UndoRedoNode& node);
     static cStr LabelOf(cClass* elementClass, const char* name);
@@ -135,6 +141,7 @@ private:
     const bool m_IsClassExplorer;
     cPanel* m_Panel = nullptr; // of the object, without a title
     cList<Row> m_Rows;         // in the order of the controls
+    std::deque<int> m_Values;  // of properties that are read by value, as one slot serves all of them
     int m_Index = -1;          // of the element whose controls are being made
     cClass* m_Shown = nullptr; // what the controls are of; compared only
     int m_ObjectIndex = -1;    // in `s_Objects`

@@ -1,29 +1,13 @@
 // Trees from arbitrary bytes, and queries of whatever comes out. A whole tree is saved as it was read.
-#include "files/cFile.h"
+#include "fuzz/Fuzz.h"
 #include "math/cMat4.h"
 #include "spatial/cBsp.h"
 
-#include <cstdint>
-#include <cstdlib>
-
 using namespace trellis;
 
-namespace {
-
-void Check(bool ok) {
-    if (!ok) {
-        std::abort();
-    }
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    cList<unsigned char> bytes; // without slack, so that a read past its end shows
-    bytes.Resize(int(size), false);
-    bytes.AddRange(data, int(size));
-    cFile file, saved;
-    file.Set(&bytes, "fuzz");
+    const cFile file = FileOf(data, size);
+    cFile saved;
     cBsp bsp;
     const bool isWhole = bsp.Load(file);
     cList<cBsp::Triangle> all, some;

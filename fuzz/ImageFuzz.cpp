@@ -1,28 +1,18 @@
 // Images from arbitrary bytes, by the codec that the build names. What comes out goes through the operations that
 // loaders run on it, and what its codec writes reads back.
-#include "files/cFile.h"
 #include "foundation/cLog.h"
+#include "fuzz/Fuzz.h"
 #include "image/cCodecBmp.h"
 #include "image/cCodecDds.h"
 #include "image/cCodecPvr.h"
 #include "image/cCodecTga.h"
 #include "image/cImage.h"
 
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-
 using namespace trellis;
 
 namespace {
 
 constexpr int s_MaxPixels = 1 << 14; // what is larger costs time and shows nothing more
-
-void Check(bool ok) {
-    if (!ok) {
-        std::abort();
-    }
-}
 
 int SizeOf(const cImage& image) {
     return image.GetMipMappedSize(0, image.GetMipMapCount());
@@ -45,11 +35,7 @@ bool IsPowerOfTwo(int v) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     cLog::GetLogMutable().Clear();
-    cList<unsigned char> bytes; // a heap block without slack, so that a read past its end shows
-    bytes.Resize(int(size), false);
-    bytes.AddRange(data, int(size));
-    cFile file;
-    file.Set(&bytes, "fuzz");
+    const cFile file = FileOf(data, size);
     IMAGE_CODEC codec;
     cImage image;
     if (!codec.Decode(file, &image)) {

@@ -1,48 +1,24 @@
 // Models from arbitrary bytes, by the codec that the build names. Whatever comes out is whole, and what the native
 // codec writes of it reads back to the same bytes; a native file reads back to its own.
-#include "files/cFile.h"
 #include "foundation/cLog.h"
+#include "fuzz/Fuzz.h"
 #include "mesh/cCodecMd5Model.h"
 #include "mesh/cCodecModel.h"
 #include "mesh/cCodecObj.h"
 #include "mesh/cModel.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <type_traits>
 
 using namespace trellis;
 
 namespace {
 
-void Check(bool ok) {
-    if (!ok) {
-        std::abort();
-    }
-}
-
-/// A heap block without slack, so that a read past its end shows.
-cFile FileOf(const uint8_t* data, size_t size) {
-    cList<unsigned char> bytes;
-    bytes.Resize(int(size), false);
-    bytes.AddRange(data, int(size));
-    cFile file;
-    file.Set(&bytes, "fuzz");
-    return file;
-}
-
 cFile Written(cIO::ModelCodec& codec, const cModel& model, bool* ok) {
     cFile file;
     *ok = codec.Encode(model, &file);
     file.SetPos(0);
     return file;
-}
-
-bool StartsWith(const cFile& file, const cFile& other) {
-    const int size = other.GetSize();
-    return file.GetSize() >= size && std::memcmp(file.GetBytes().Data(), other.GetBytes().Data(), size_t(size)) == 0;
 }
 
 void CheckWhole(const cModel& model) {
@@ -77,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         if (decoded) {
             bool otherOk;
             const cFile a = Written(native, model, &ok), b = Written(native, other, &otherOk);
-            Check(ok == otherOk && a.GetSize() == b.GetSize() && StartsWith(a, b));
+            Check(ok == otherOk && AreSame(a, b));
         }
     }
     if (!decoded) {
@@ -93,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Check(native.Decode(first, &back));
         CheckWhole(back);
         const cFile second = Written(native, back, &ok);
-        Check(ok && first.GetSize() == second.GetSize() && StartsWith(first, second));
+        Check(ok && AreSame(first, second));
     }
     cCodecObj obj;
     Check(obj.Encode(model, &file));

@@ -1,23 +1,17 @@
 // Documents from arbitrary bytes. Whatever could be read is written such that it reads back as the same tree.
+#include "fuzz/Fuzz.h"
 #include "reflection/cXml.h"
 
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <utility>
 #include <vector>
 
+using trellis::Check;
 using trellis::cStr;
 using trellis::cXml;
 
 namespace {
-
-void Check(bool ok) {
-    if (!ok) {
-        std::abort();
-    }
-}
 
 /// Levels of a tree, the root alone being 1; aborts where two trees differ.
 int CompareTrees(const cXml& a, const cXml& b) {

@@ -164,7 +164,7 @@ int cClass::IndexOf(const void*) {
 }
 
 bool cClass::ForceProperty() {
-    return CheckDirectCasting() && m_Parent && m_Parent != this && m_Parent->ForceProperty();
+    return CheckDirectCasting() && m_Parent && m_Parent != this && GetRoot() && m_Parent->ForceProperty();
 }
 
 bool cClass::MoveElement(int, char) {
@@ -269,8 +269,13 @@ cClass* cClass::Clone() {
 
 cClass* cClass::GetRoot() {
     cClass* root = m_Parent;
-    while (root && root->m_Parent && root->m_Parent != root) {
+    const cClass* behind = this; // at half the pace: in a ring the two meet
+    for (bool isOdd = false; root && root->m_Parent && root->m_Parent != root; isOdd = !isOdd) {
         root = root->m_Parent;
+        if (root == behind) {
+            return nullptr;
+        }
+        behind = isOdd ? behind->m_Parent : behind;
     }
     return root;
 }
@@ -285,6 +290,14 @@ cClass* cClass::GetParent(int n) {
 
 int cClass::IndexOfThis() {
     return m_Parent ? m_Parent->IndexOf(this) : -1;
+}
+
+bool cClass::IsListName(const char* className) {
+    return className && className[0] == 'c' && cStr::Compare(className, "cClassList.", 11) == 0;
+}
+
+bool cClass::IsPointerName(const char* className) {
+    return className && className[0] == 'c' && cStr::Compare(className, "cClassPtr.", 10) == 0;
 }
 
 bool cClass::ContainsMember(cClass* member) {

@@ -244,10 +244,12 @@ public:
     int GetIntField(const char* name, int fallback);
     float GetFloatField(const char* name, float fallback);
 
-    cClass* GetRoot();        ///< The last ancestor; null without a parent.
+    cClass* GetRoot();        ///< The last ancestor; null without a parent, or where parents go in a ring.
     cClass* GetParent(int n); ///< The n-th ancestor; below 2 the parent.
     int IndexOfThis();        ///< Position in the parent, or -1.
     bool ContainsMember(cClass* member);
+    static bool IsListName(const char* className);    ///< Of a list of any class: "cClassList." and its name.
+    static bool IsPointerName(const char* className); ///< "cClassPtr." likewise. Null is neither.
     void CallOnProcess(void* data);
     void AndFlags(void* data, unsigned char flags); ///< On the object and everything in it.
     unsigned char GetFlags() const { return m_Flags; }

@@ -12,14 +12,6 @@
 namespace trellis {
 namespace {
 
-// Lists and pointers of any kind are known by the beginning of their class names.
-bool IsListName(const char* name) {
-    return name && name[0] == 'c' && cStr::Compare(name, "cClassList.", 11) == 0;
-}
-bool IsPointerName(const char* name) {
-    return name && name[0] == 'c' && cStr::Compare(name, "cClassPtr.", 10) == 0;
-}
-
 bool IsDeeperThan(const cXml& node, int depth) {
     if (depth < 1) {
         return true;

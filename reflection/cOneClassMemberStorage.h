@@ -18,6 +18,7 @@ public:
     cOneClassMemberStorage& operator=(const cOneClassMemberStorage&) = delete;
 
     bool IsProperty() const { return IntGetter || PtrGetter; }
+    bool HasAccessors() const { return IsProperty() || IntSetter || PtrSetter; }
 
     /// Where the member of an object stands; for a property, the object.
     void* Address(void* object) const {

@@ -51,7 +51,7 @@ Node* NewNode() {
     return new (cPool::Alloc(int(sizeof(Node)))) Node();
 }
 
-/// Each node before its front, and then its back child. @param visit  may delete it
+/// Each node before its front, and then its back child.
 template <class N, class Visit> void ForEach(N* root, Visit visit) {
     Stack<N*> backs;
     N* node = root;
@@ -169,10 +169,20 @@ void cBsp::Triangle::Split(Triangle* out, int& frontCount, int& backCount, const
 // ---- The tree
 
 void cBsp::Free() {
-    ForEach(std::exchange(m_Root, nullptr), [](Node* node) {
+    Node* node = std::exchange(m_Root, nullptr);
+    while (node) {
+        // Turned until nothing is in front of the top: a list of what is still to be visited would take memory, and
+        // its want may be why the tree goes.
+        if (Node* front = node->Front) {
+            node->Front = std::exchange(front->Back, node);
+            node = front;
+            continue;
+        }
+        Node* back = node->Back;
         node->~Node();
         cPool::Free(reinterpret_cast<unsigned char*>(node), int(sizeof(Node)));
-    });
+        node = back;
+    }
     m_Steps.clear();
     Triangles.Free();
 }

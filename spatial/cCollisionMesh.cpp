@@ -25,12 +25,14 @@ cVec3 Divide(const cVec3& a, const cVec3& b) {
     return {a.x / b.x, a.y / b.y, a.z / b.z};
 }
 
-/// A normal goes through a scaling by its inverse.
+/// A normal goes through a scaling by its inverse. In doubles, which hold the squares of whatever radii can give.
 cVec3 NormalToWorld(const cVec3& n, const cVec3& radii) {
-    cVec3 v = Divide(n, radii);
-    const float largest = std::max({std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)});
-    v = largest > 0 ? v / largest : v; // of sizes whose squares are beyond a float
-    return v.LengthSq() > 0 ? cVec3::Normalize(v) : cVec3::AxisY;
+    const double x = double(n.x) / radii.x, y = double(n.y) / radii.y, z = double(n.z) / radii.z;
+    const double length = std::sqrt(x * x + y * y + z * z);
+    if (!(length > 0 && std::isfinite(length))) {
+        return cVec3::AxisY;
+    }
+    return {float(x / length), float(y / length), float(z / length)};
 }
 
 /// What all contacts together may add to a way.

@@ -97,6 +97,7 @@ void cPanel::CalcRects() {
 }
 
 void cPanel::AlignChildren() {
+    m_Root = GetTopLevelParent(); // the panel may have gone elsewhere
     if (!m_Expanded) {
         return;
     }
@@ -106,8 +107,7 @@ void cPanel::AlignChildren() {
         x = m_AbsClient.IsEmpty() ? 0 : Round((Round(m_AbsClient.x1) - Round(m_AbsClient.x0)) / 2);
     } else {
         // One column throughout the form, however deep the panel is. The form may have gone before what is in it.
-        const cWnd* root = GetTopLevelParent(); // `m_Root`, unless the panel has gone elsewhere
-        const float width = root ? root->m_Client.Width() : 0;
+        const float width = m_Root ? m_Root->m_Client.Width() : 0;
         const float a = theme.LabelColumnWidth, sum = a + theme.ValueColumnWidth;
         const float indent = m_Headless ? 0 : theme.PanelIndent;
         x = std::max(a, sum > 0 ? Round(width * a / sum) : 0) - float(m_Level - 1) * indent;

@@ -34,7 +34,7 @@ public:
     cRect m_RelBounds = cRect::Empty, m_RelTitle = cRect::Empty, m_RelArrow = cRect::Empty; ///< In the parent's client.
     cRect m_Bounds2 = cRect::Empty, m_Title2 = cRect::Empty, m_Arrow2 = cRect::Empty;       ///< On the screen.
     float m_CurGrow = 0, m_TargetGrow = 0;
-    cWnd* m_Root; ///< The form, as it was at creation.
+    cWnd* m_Root; ///< The form, as it was at creation or when the rows were aligned last.
     int m_Level;  ///< Depth, as it was at creation.
     int m_PressCode = -1;
     Amount m_Hot;

@@ -288,10 +288,10 @@ void cTheme_Fragile_Pen::Text(int font, const char* text, const cRect& box, int 
     if (!text) {
         return;
     }
-    const float width = cThemeText::Width(font, text);
+    const auto width = [&] { return cThemeText::Width(font, text); };
     const float x = align == cRect::LeftMiddle    ? box.x0
-                    : align == cRect::RightMiddle ? box.x1 - width
-                                                  : box.Center().x - width / 2;
+                    : align == cRect::RightMiddle ? box.x1 - width()
+                                                  : box.Center().x - width() / 2;
     Line(font, text, {x, box.Center().y}, color);
 }
 

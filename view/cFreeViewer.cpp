@@ -447,7 +447,9 @@ void cFreeViewer::HandleGesture(cGestureType::Enum type, const cVec2& position, 
             if (IsOrthoView) {
                 OrthoScaleTarget = std::min(OrthoScaleTarget * scale, OrthoZoomMax);
             } else {
-                Distance = std::min(Distance / scale, cMath::FloatMaxValue);
+                // No factor leads away from the pivot itself: the way out begins at the near plane.
+                const bool isAtPivot = scale < 1 && Distance >= 0 && Distance < ZNear;
+                Distance = std::min((isAtPivot ? ZNear : Distance) / scale, cMath::FloatMaxValue);
             }
             Update();
         }

@@ -1,5 +1,4 @@
 #include <cmath>
-#include <cstdlib>
 
 #include <gtest/gtest.h>
 
@@ -11,15 +10,6 @@
 
 namespace trellis {
 namespace {
-
-/// As "01 FF".
-std::string Hex(const char* text) {
-    std::string bytes;
-    for (char* end; *text; text = end) {
-        bytes += char(std::strtol(text, &end, 16));
-    }
-    return bytes;
-}
 
 // 25 a second; "a", and "bc" under it. 32767 stands for 256 or 1, 128 for 1.00003, 16384 for 0.500015.
 const std::string s_Joint =

@@ -1,6 +1,7 @@
 #include "animation/cSpline.h"
 
 #include "math/cMat4.h"
+#include "tests/math/Near.h"
 #include "tests/render/Allocations.h"
 #include "tests/render/RecordingDevice.h"
 #include "ui/cMessageBox.h"
@@ -51,9 +52,6 @@ void MakeRandom(cSpline& spline, int count, unsigned seed, float size) {
 void ExpectPlace(const cSpline::Place& place, int segment, float t, float tolerance = 1e-5f) {
     EXPECT_EQ(place.Segment, segment);
     EXPECT_NEAR(place.t, t, tolerance);
-}
-void ExpectNear(const cVec3& a, const cVec3& b, float tolerance = 1e-4f) {
-    EXPECT_LE(cVec3::Distance(a, b), tolerance) << a << " against " << b;
 }
 
 std::string s_Asked;

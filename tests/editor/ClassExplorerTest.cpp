@@ -585,6 +585,78 @@ TEST_F(ClassExplorer, FocusOnAPartStays) {
     EXPECT_TRUE(Find("Int"));
 }
 
+/// Nothing but their accessors reaches the values.
+class cDial : public cClass {
+    TRELLIS_CLASS(cDial)
+
+public:
+    static cDial* Of(void* object) { return static_cast<cDial*>(static_cast<cClass*>(object)); }
+
+    int Low = 3, High = 70, IsOn = 0, Calls = 0;
+    cStr Label;
+};
+
+void cDial::RegisterMembers() {
+    cClassMembers members(this);
+    if (!members.Begin()) {
+        return;
+    }
+    const auto add = [this](cClass* kind, const char* name, int (*get)(void*), void (*set)(void*, int)) {
+        static int s_Range[] = {0, 100};
+        RegisterOneMemberIntProperty(kind, get, set, name, s_Range, ClassName, ~0u);
+    };
+    add(
+        new _cInt, "Low", [](void* o) { return Of(o)->Low; }, [](void* o, int v) { Of(o)->Low = std::min(v, 50); });
+    add(
+        new _cEditSliderI, "High", [](void* o) { return Of(o)->High; }, [](void* o, int v) { Of(o)->High = v; });
+    add(
+        new _cBool, "On", [](void* o) { return Of(o)->IsOn; }, [](void* o, int v) { Of(o)->IsOn = v; });
+    RegisterOneMemberProperty(
+        new _cStr, [](void* o) -> void* { return &Of(o)->Label; }, [](void* o, void*) { Of(o)->Calls++; }, "Label",
+        nullptr, ClassName, ~0u);
+}
+
+TEST_F(ClassExplorer, PropertiesGoThroughTheirAccessors) {
+    cDial dial;
+    cClassExplorer::AddObject("Dial", &dial, "");
+    Open();
+    const auto shown = [](const char* caption) { return std::string(Find<cEdit>(caption)->m_Buffer); };
+    const auto high = [] { return Find<cEditSlider>("High"); };
+    const auto state = [&] { return std::vector<int>{dial.Low, dial.High, dial.IsOn, dial.Calls}; };
+    EXPECT_EQ(shown("Low"), "3") << "each its own";
+    EXPECT_STREQ(high()->m_Edit->m_Buffer, "70");
+    Enter("Low", "9");
+    Slide(high()->m_Slider);
+    auto* box = Find<cCheckBox>("On");
+    *box->m_Value = true;
+    Form()->MsgProc(cWidgets::GetWidgetID(box), cControl::Checked, box->m_Value, nullptr);
+    Enter("Label", "name");
+    Settle();
+    EXPECT_EQ(state(), (std::vector{9, 75, 1, 1}));
+    for (const std::vector<int>& undone : {std::vector{9, 75, 1, 2}, {9, 75, 0, 2}, {9, 70, 0, 2}, {3, 70, 0, 2}}) {
+        Push("Undo");
+        EXPECT_EQ(state(), undone);
+    }
+    EXPECT_STREQ(dial.Label, "");
+    EXPECT_FALSE(CanPush("Undo"));
+    Push("Redo");
+    EXPECT_EQ(state(), (std::vector{9, 70, 0, 2}));
+    Focus("Low");
+    Push("Copy");
+    Focus("High");
+    Push("Paste");
+    EXPECT_EQ(dial.High, 9);
+    Push("Clear");
+    EXPECT_EQ(dial.High, 0);
+    dial.Low = 4;
+    Frame();
+    EXPECT_EQ(shown("Low"), "4") << "it was changed elsewhere";
+    Enter("Low", "80");
+    Frame();
+    EXPECT_EQ(shown("Low"), "50") << "what the object made of it";
+    cClassExplorer::RemoveObject(&dial);
+}
+
 /// A button puts another object where there was one: the changes of the former one are not written into it.
 TEST_F(ClassExplorer, UndoKnowsWhatHasGone) {
     cClassExplorer::AddObject("Object", &object, "");

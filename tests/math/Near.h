@@ -23,6 +23,10 @@ template <class V> testing::AssertionResult Near(const V& a, const V& b, double 
     return NearFloats(a.ToPtr(), b.ToPtr(), int(sizeof(V) / sizeof(float)), tolerance);
 }
 
+inline void ExpectNear(const cVec3& a, const cVec3& b, double tolerance = 1e-4) {
+    EXPECT_TRUE(Near(a, b, tolerance));
+}
+
 class Cases {
 public:
     float In(float low, float high) { return std::uniform_real_distribution<float>(low, high)(m_Engine); }

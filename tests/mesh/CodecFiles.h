@@ -1,6 +1,7 @@
 // Files and logs of the codecs' tests.
 #pragma once
 
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,15 @@ inline cFile FileOf(std::string_view content) {
 
 inline std::string BytesOf(const cFile& file) {
     return std::string(reinterpret_cast<const char*>(file.GetBytes().Data()), size_t(file.GetSize()));
+}
+
+/// As "01 FF".
+inline std::string Hex(const char* text) {
+    std::string bytes;
+    for (char* end; *text; text = end) {
+        bytes += char(std::strtol(text, &end, 16));
+    }
+    return bytes;
 }
 
 /// What is logged while `act` runs.

@@ -1,6 +1,5 @@
 #include "mesh/cCodecModel.h"
 
-#include <cstdlib>
 #include <limits>
 
 #include <gtest/gtest.h>
@@ -10,15 +9,6 @@
 
 namespace trellis {
 namespace {
-
-/// As "01 FF".
-std::string Hex(const char* text) {
-    std::string bytes;
-    for (char* end; *text; text = end) {
-        bytes += char(std::strtol(text, &end, 16));
-    }
-    return bytes;
-}
 
 // 1.0f is 00 00 80 3F, 2.0f is 00 00 00 40; 32767 stands for 1, 16384 for 0.500015.
 const std::string s_Position = Hex("00 00 80 3F 00 00 00 40 00 00 80 BF"); // 1, 2, -1

@@ -82,6 +82,20 @@ TEST(Class, ConstructionResetsInheritedMembersFirstAndRunsDefaultsLast) {
     EXPECT_TRUE(TRELLIS_CGARB.FindClass("cLamp")->CheckAll("Ligh", true, false, false));
 }
 
+TEST(Class, ParentsInARingHaveNoRoot) {
+    for (const int count : {1, 2, 3, 7}) {
+        cLamp ring[7];
+        for (int i = 0; i < count; i++) {
+            ring[i].SetParent(&ring[(i + 1) % count]);
+        }
+        // One that is its own parent ends a chain.
+        EXPECT_EQ(ring[0].Shade.GetRoot(), count == 1 ? &ring[0] : nullptr) << count;
+        EXPECT_EQ(ring[0].GetRoot(), count == 1 ? &ring[0] : nullptr) << count;
+        EXPECT_FALSE(ring[0].Shade.ForceProperty()) << count;
+        EXPECT_GT(ring[0].GetAmountOfEditableElements(&ring[0], cClass::ShowAll), 0) << count;
+    }
+}
+
 TEST(Class, TheFirstObjectOfAClassIsLinkedAsAllOthers) {
     const cFirst first;
     EXPECT_TRUE(first.LinkedInTime);

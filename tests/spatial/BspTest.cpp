@@ -8,8 +8,10 @@
 
 #include "../mesh/CodecFiles.h"
 #include "Soups.h"
+#include "foundation/cPool.h"
 #include "math/cMat4.h"
 #include "spatial/cBsp_Chooser.h"
+#include "tests/render/Allocations.h"
 
 namespace trellis {
 
@@ -379,8 +381,9 @@ TEST(Bsp, FilesRoundTripAndPrefixesFail) {
 
 /// Depth of a tree is up to a file: no query may keep it on the stack.
 TEST(Bsp, LongChains) {
-    for (const std::string& turns : {std::string("\1"), std::string("\2"), std::string("\1\2")}) {
-        constexpr int Count = 200000;
+    for (const std::string& turns :
+         {std::string("\1"), std::string("\2"), std::string("\1\2"), std::string("\3\0", 2)}) {
+        constexpr int Count = 200001;
         std::string bytes(size_t(Count) * 41, '\0');
         for (int i = 0; i < Count; i++) {
             const float corners[9] = {0, 0, float(i), 0, 1, float(i), 1, 0, float(i)};
@@ -399,6 +402,10 @@ TEST(Bsp, LongChains) {
         EXPECT_FALSE(bsp.Intersects({5, 5, -1}, {5, 5, 1e6f}, nullptr, nullptr));
         EXPECT_TRUE(bsp.Intersects({1.2f, 0.2f, -1}, {1.2f, 0.2f, 1e6f}, nullptr, nullptr));
         EXPECT_TRUE(bsp.Intersects({1.2f, 0.2f, 1e6f}, {1.2f, 0.2f, -1}, nullptr, nullptr));
+        const int allocations = AllocationCount(), used = cPool_Debug::UsedCount;
+        bsp.Free();
+        EXPECT_EQ(AllocationCount(), allocations) << "there may be no memory left";
+        EXPECT_LE(cPool_Debug::UsedCount, used - Count);
     }
 }
 

@@ -161,6 +161,14 @@ TEST(Collision, NormalsComeThroughTheRadii) {
     EXPECT_LT((slide - normal).Length(), 1e-3f);
     EXPECT_NEAR(to.y, std::sqrt(5.0f), 0.005f); // where y = x touches x^2 + y^2 / 4 = 1 around it
 
+    cCollisionMesh flat; // of next to no width, by which a float cannot divide
+    flat.Radii = {1e-40f, 1, 1};
+    flat.MaxIterations = 5;
+    Add(&flat, Quad({-1e-39f, -10, -10}, {-1e-39f, -10, 10}, {1e-39f, 10, 10}, {1e-39f, 10, -10}));
+    to = {0, -9, 0};
+    EXPECT_TRUE(flat.Collide({0, 9, 0}, &to, nullptr, 0, 0, nullptr, &hit, nullptr));
+    EXPECT_LT((hit + cVec3::AxisX).Length(), 1e-5f);
+
     cCollisionMesh small; // has no normal
     Add(&small, {{0, 0, 0}, {0.0005f, 0, 0}, {0, 0, 0.0005f}});
     to = {0, 0, -5};

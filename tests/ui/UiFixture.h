@@ -3,12 +3,9 @@
 // All glyphs advance by 6 and are 13 high, whatever the font.
 #pragma once
 
-#include "files/cFile.h"
 #include "foundation/cTimer.h"
-#include "render/cFont.h"
-#include "tests/files/Folders.h"
 #include "tests/foundation/FakeClock.h"
-#include "tests/render/RecordingDevice.h"
+#include "tests/ui/FontFolders.h"
 #include "ui/cTheme_Fragile.h"
 #include "ui/cTheme_WindowsStandard.h"
 #include "ui/cWidgets.h"
@@ -107,21 +104,12 @@ inline void UiRoot::MsgProc(int, int msg, const void* before, const void* after)
     }
 }
 
-class Ui : public Folders {
+class Ui : public FontFolders {
 protected:
     Ui() {
-        cFont font;
-        font.Height = 13;
-        for (int code = 32; code <= 255; code++) {
-            font.Glyphs.Add({static_cast<unsigned short>(code), 0, 0, 0, 0, 0, 0, 1, 1, 6, 0});
-        }
-        cFile file;
-        font.Write(&file);
-        const std::string bytes(reinterpret_cast<const char*>(file.GetBytes().Data()), size_t(file.GetSize()));
         for (const char* name :
              {"Tahoma 8", "Tahoma B8", "Calibri 11", "Calibri 16", "Calibri B24", "Comic Sans MS BI24"}) {
-            Put(Read(std::string("Fonts/") + name + ".cFont"), bytes);
-            Device.Textures.push_back({std::string("Fonts/") + name + ".bmp", 64, 64, 1, 0, 1, 0});
+            PutFont(name, 13, 6, 255);
         }
         cRender::ResetStates();
         Device.Quiet = true;
@@ -150,7 +138,6 @@ protected:
         cInput::Acquire();
         cInput::FreeEvents();
         cInput::SetSamplers({});
-        RecordingDevice::Uninstall();
     }
 
     /// A root of 400 by 300, its left top corner at (100, 400), so that the client's (0, 0) is there.
@@ -215,7 +202,6 @@ protected:
     }
 
     cFakeClock Clock;
-    RecordingDevice& Device = RecordingDevice::Install();
     UiTheme Classic{BareTheme()}, Fragile{BareTheme()}; ///< With their fonts.
 
     static inline cInput::MouseState s_Mouse;

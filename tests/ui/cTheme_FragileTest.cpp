@@ -1,13 +1,11 @@
 // The soft theme over the recording device, with fonts of made-up glyphs: 18 and 26 high, so that its scale is 13 / 9.
 #include "ui/cTheme_Fragile.h"
 
-#include "files/cFile.h"
-#include "render/cFont.h"
 #include "render/cRender.h"
-#include "tests/files/Folders.h"
 #include "tests/render/Allocations.h"
-#include "tests/render/RecordingDevice.h"
+#include "tests/ui/FontFolders.h"
 #include "tests/ui/ThemeMetrics.h"
+#include "tests/ui/ThemeParts.h"
 
 #include <cstdio>
 #include <memory>
@@ -22,11 +20,6 @@ using Args = cTheme::DrawArgs;
 using Parts = cTheme::Parts;
 
 constexpr float GlyphWidth = 10;
-const cRect s_OuterClip(1, 2, 300, 200);
-
-bool IsDrawn(int part) {
-    return part != Parts::None && (part < Parts::SizeLeft || part > Parts::SizeRightTop);
-}
 
 /// What a part needs to show something.
 void Furnish(Args* args, int part) {
@@ -43,29 +36,15 @@ void Furnish(Args* args, int part) {
     args->SelStart = 1;
 }
 
-class Fragile : public Folders {
+class Fragile : public FontFolders {
 protected:
     Fragile() {
-        PutFont("Calibri 11", 18);
-        PutFont("Calibri 16", 26);
-        PutFont("Calibri B24", 39);
+        PutFont("Calibri 11", 18, GlyphWidth);
+        PutFont("Calibri 16", 26, GlyphWidth);
+        PutFont("Calibri B24", 39, GlyphWidth);
         Theme = std::make_unique<cTheme_Fragile>();
         cRender::ResetStates();
         Forget();
-    }
-    ~Fragile() override { RecordingDevice::Uninstall(); }
-
-    void PutFont(const std::string& name, int height) {
-        cFont font;
-        font.Height = height;
-        for (int code = 32; code <= 126; code++) {
-            font.Glyphs.Add({static_cast<unsigned short>(code), 0, 0, 0, 0, 0, 0, 1, 1, GlyphWidth, 0});
-        }
-        cFile file;
-        font.Write(&file);
-        Put(Read("Fonts/" + name + ".cFont"),
-            std::string(reinterpret_cast<const char*>(file.GetBytes().Data()), size_t(file.GetSize())));
-        Device.Textures.push_back({"Fonts/" + name + ".bmp", 64, 64, 1, 0, 1, 0});
     }
 
     void Forget() {
@@ -85,7 +64,6 @@ protected:
         return vertices / 4;
     }
 
-    RecordingDevice& Device = RecordingDevice::Install();
     std::unique_ptr<cTheme_Fragile> Theme;
 };
 
@@ -160,25 +138,11 @@ TEST_F(Fragile, SizesGrowWithTheFonts) {
 }
 
 TEST_F(Fragile, EveryPartDrawsAndLeavesNoTrace) {
-    for (int part = Parts::None; part < Parts::Count; part++) {
-        SCOPED_TRACE(part);
-        Args args;
-        Furnish(&args, part);
-        cRender::SetClipRect(s_OuterClip);
-        EXPECT_EQ(!Draw(args).empty(), IsDrawn(part));
-        EXPECT_EQ(cRender::GetClipRect(), s_OuterClip);
-
-        args.Transform = cMat4::Scaling(2, 2);
-        EXPECT_EQ(!Draw(args).empty(), IsDrawn(part));
-        EXPECT_EQ(cRender::GetClipRect(), s_OuterClip);
-        EXPECT_EQ(cRender::GetWorldMatrix(), cMat4::Identity);
-
-        for (float Args::*amount : {&Args::Alpha, &Args::FormAlpha, &Args::CurVisible, &Args::Shown}) {
-            args.*amount = 0;
-            EXPECT_TRUE(Draw(args).empty());
-            args.*amount = 1;
-        }
-    }
+    CheckEveryPart(*Theme, Device);
+    ForEachPart(*Theme, [&](Args args) {
+        args.Shown = 0;
+        EXPECT_TRUE(Draw(args).empty());
+    });
 }
 
 TEST_F(Fragile, PiecesStayInsideTheClip) {

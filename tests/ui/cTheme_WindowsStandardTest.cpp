@@ -1,10 +1,8 @@
 #include "ui/cTheme_WindowsStandard.h"
 
-#include "files/cFile.h"
 #include "foundation/cTimer.h"
-#include "render/cFont.h"
-#include "tests/files/Folders.h"
 #include "tests/render/Allocations.h"
+#include "tests/ui/FontFolders.h"
 #include "tests/ui/ThemeMetrics.h"
 #include "tests/ui/ThemeParts.h"
 
@@ -21,25 +19,14 @@ using Parts = cTheme::Parts;
 using Pixel = std::pair<int, int>;
 
 /// The classic theme with fonts whose glyphs all advance by 6.
-class Classic : public Folders {
+class Classic : public FontFolders {
 protected:
     Classic() {
-        cFont font;
-        font.Height = 13;
-        for (int code = 32; code <= 126; code++) {
-            font.Glyphs.Add({static_cast<unsigned short>(code), 0, 0, 0, 0, 0, 0, 1, 1, 6, 0});
-        }
-        cFile file;
-        font.Write(&file);
-        const std::string bytes(reinterpret_cast<const char*>(file.GetBytes().Data()), size_t(file.GetSize()));
-        for (const char* name : {"Tahoma 8", "Tahoma B8"}) {
-            Put(Read(std::string("Fonts/") + name + ".cFont"), bytes);
-            Device.Textures.push_back({std::string("Fonts/") + name + ".bmp", 64, 64, 1, 0, 1, 0});
-        }
+        PutFont("Tahoma 8", 13, 6);
+        PutFont("Tahoma B8", 13, 6);
         Device.Textures.push_back({"Textures/WindowsStandard/ToolBar.bmp", 256, 64, 1, 0, 1, 0});
         cRender::ResetStates();
     }
-    ~Classic() override { RecordingDevice::Uninstall(); }
 
     std::vector<RecordingDevice::Draw> Draw(const cTheme& theme, const Args& args) {
         Device.TakeDraws();
@@ -64,8 +51,6 @@ protected:
         }
         return pixels;
     }
-
-    RecordingDevice& Device = RecordingDevice::Install();
 };
 
 } // namespace

@@ -1,9 +1,9 @@
 #include "foundation/cTimer.h"
 #include "tests/foundation/FakeClock.h"
 #include "tests/render/Allocations.h"
+#include "tests/view/FakeInput.h"
 #include "ui/cTheme.h"
 #include "ui/cToolBar.h"
-#include "ui/cWidgets.h"
 
 #include <gtest/gtest.h>
 
@@ -80,17 +80,11 @@ private:
     }
 };
 
-cInput::MouseState s_Mouse;
-
 /// One window of 120 by 140 with a client of 100 by 120 and a content of 200 by 300. With both bars the client is
 /// (10, 26, 94, 130), and the content can move by 116 and 196; a point of it is 64 / 300 on the track, and 44 / 200.
-class Wnd : public testing::Test {
+class Wnd : public FakeInput {
 protected:
     Wnd() {
-        s_Mouse = {};
-        cInput::Samplers samplers;
-        samplers.Mouse = [](cInput::MouseState* out) { *out = s_Mouse; };
-        cInput::SetSamplers(samplers);
         cTimer::Reset();
         cTimer::Acquire();
         W->Name = 'w';
@@ -103,10 +97,6 @@ protected:
     ~Wnd() override {
         cWidgets::ReleaseCapture();
         cWidgets::FreeAll();
-        s_Mouse = {}; // the position outlives the test
-        cInput::Acquire();
-        cInput::FreeEvents();
-        cInput::SetSamplers({});
         EXPECT_EQ(Window::s_Alive, 0);
     }
 

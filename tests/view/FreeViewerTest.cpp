@@ -1,5 +1,7 @@
-#include "ui/cWidgets.h"
 #include "view/cFreeViewer.h"
+
+#include "tests/math/Near.h"
+#include "tests/view/FakeInput.h"
 
 #include <gtest/gtest.h>
 
@@ -12,46 +14,13 @@ namespace {
 
 using View = cFreeViewer::OrthoView;
 
-void ExpectNear(const cVec3& a, const cVec3& b, float tolerance = 1e-4f) {
-    for (int i = 0; i < 3; i++) {
-        EXPECT_NEAR(a[i], b[i], tolerance) << "component " << i;
-    }
-}
-
-cInput::MouseState s_Mouse;
-cInput::KeyboardState s_Keys;
-
-class FreeViewer : public testing::Test {
+class FreeViewer : public FakeInput {
 protected:
     FreeViewer() {
-        s_Mouse = {};
-        s_Keys = {};
-        cInput::Samplers samplers;
-        samplers.Mouse = [](cInput::MouseState* out) { *out = s_Mouse; };
-        samplers.Keyboard = [](cInput::KeyboardState* out) { *out = s_Keys; };
-        cInput::SetSamplers(samplers);
         Frame();
         cWidgets::AddWidget(V, 2);
     }
-    ~FreeViewer() override {
-        s_Mouse = {};
-        s_Keys = {};
-        Frame();
-        cWidgets::ReleaseCapture();
-        cWidgets::FreeAll();
-        cInput::SetSamplers({});
-    }
 
-    void Frame() {
-        cInput::Acquire();
-        s_Mouse.Wheel = 0;
-        cWidgets::HandleInputEvents();
-        cInput::FreeEvents();
-    }
-    void Set(int code, bool down) {
-        (cInput::IsKeyboardCode(code) ? s_Keys.IsDown[code] : s_Mouse.IsDown[code - cInput::LeftButton]) = down;
-        Frame();
-    }
     void Move(float dx, float dy) {
         s_Mouse.Position += cVec2(dx, dy);
         Frame();
@@ -425,6 +394,11 @@ TEST_F(FreeViewer, Gestures) {
     EXPECT_EQ(V->Distance, 10);
     V->HandleGesture(cGestureType::Pinch, {0, 0}, {0, 0}, 0, 0);
     EXPECT_EQ(V->Distance, 10);
+    V->Distance = 0;
+    V->HandleGesture(cGestureType::Pinch, {0, 0}, {0, 0}, 2, 0);
+    EXPECT_EQ(V->Distance, 0);
+    V->HandleGesture(cGestureType::Pinch, {0, 0}, {0, 0}, 0.5f, 0);
+    EXPECT_EQ(V->Distance, 2 * V->ZNear) << "out of the pivot itself";
     V->HandleGesture(cGestureType::Swipe, {0, 0}, {10, 4}, 1, 0);
     V->Distance = 20;
     V->Update();

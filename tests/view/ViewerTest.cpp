@@ -1,4 +1,5 @@
 #include "editor/cSettings.h"
+#include "tests/math/Near.h"
 #include "view/cViewer.h"
 
 #include <gtest/gtest.h>
@@ -10,12 +11,6 @@
 using namespace trellis;
 
 namespace {
-
-void ExpectNear(const cVec3& a, const cVec3& b, float tolerance) {
-    EXPECT_NEAR(a.x, b.x, tolerance);
-    EXPECT_NEAR(a.y, b.y, tolerance);
-    EXPECT_NEAR(a.z, b.z, tolerance);
-}
 
 struct Lens {
     const char* Name;
