@@ -1,6 +1,6 @@
 #!/bin/sh
 # Builds the 32-bit service and runs it in the foreground. Arguments go to it.
-# "./run.sh workbench [SCENE.Xml]" builds and opens the native workbench instead, in a window.
+# "./run.sh workbench [PATH]" builds and opens the native workbench instead, in a window.
 set -eu
 cd "$(dirname "$0")"
 . cmake/packages.sh
@@ -9,6 +9,9 @@ if [ "${1-}" = workbench ]; then
     need_packages $build_packages $workbench_packages
     cmake --preset m64 -DTRELLIS_TESTS=OFF -DTRELLIS_BENCH=OFF >/dev/null
     cmake --build --preset m64 --target workbench fonts
+    if [ $# = 0 ]; then
+        set -- host/scenes
+    fi
     exec out/m64/host/workbench out/m64/data "$@"
 fi
 need_packages $build_packages

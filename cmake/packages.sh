@@ -22,3 +22,4 @@ need_packages() {
 build_packages="cmake ninja-build g++ g++-multilib ccache"
 test_packages="googletest"
 workbench_packages="libx11-dev libxext-dev libfreetype-dev fonts-dejavu-extra fonts-crosextra-carlito fonts-comic-neue"
+window_test_packages="xvfb xdotool"

@@ -1,7 +1,6 @@
 #include "host/HostWindow.h"
 
-#include "files/cIO.h"
-
+#include <algorithm>
 #include <cmath>
 
 namespace trellis {
@@ -18,32 +17,20 @@ HostWindow::HostWindow() {
     };
     samplers.Mouse = [](cInput::MouseState* out) {
         *out = s_Window->m_Mouse;
-        s_Window->Sample();
+        s_Window->EndSample();
     };
     samplers.SetCursor = [](cInput::Cursor::Enum cursor) { s_Window->SetCursor(cursor); };
     cInput::SetSamplers(samplers);
-    cIO::Host host;
-    host.SetClipboardText = [](const char* text) { return s_Window->SetClipboardText(text); };
-    host.GetClipboardText = [](cStr* text) { return s_Window->GetClipboardText(text); };
-    cIO::SetHost(host);
 }
 
 HostWindow::~HostWindow() {
     cInput::SetSamplers({});
-    cIO::SetHost({});
     s_Window = nullptr;
 }
 
-/// The keyboard is sampled ahead of the mouse: what went down and up meanwhile has been seen as down.
-void HostWindow::Sample() {
-    m_Mouse.Wheel = 0;
-    m_Mouse.DoubleClick = false;
-    for (const int code : m_Released) {
-        *Flag(code) = false;
-        m_HasChanged = true;
-    }
-    m_Released.Clear();
-    m_Pressed.Clear();
+void HostWindow::AddTo(cIO::Host* host) {
+    host->SetClipboardText = [](const char* text) { return s_Window && s_Window->SetClipboardText(text); };
+    host->GetClipboardText = [](cStr* text) { return s_Window && s_Window->GetClipboardText(text); };
 }
 
 bool* HostWindow::Flag(int code) {
@@ -53,48 +40,98 @@ bool* HostWindow::Flag(int code) {
     return cInput::IsMouseButtonCode(code) ? &m_Mouse.IsDown[code - cInput::LeftButton] : nullptr;
 }
 
-void HostWindow::OnButton(int code, bool isDown) {
-    bool* flag = Flag(code);
-    if (!flag || *flag == isDown) {
-        return;
-    }
+// ---- In their order
+
+void HostWindow::Take(const Input& input) {
     m_HasChanged = true;
-    if (isDown) {
-        *flag = true;
-        m_Pressed.Add(code);
-    } else if (m_Pressed.IndexOf(code) == -1) {
-        *flag = false;
+    if (m_Waiting.empty() && Fits(input)) {
+        Apply(input);
     } else {
-        m_Released.Add(code);
+        m_Waiting.push_back(input);
+    }
+}
+
+bool HostWindow::Fits(const Input& input) {
+    switch (input.What) {
+    case Input::Button:
+    case Input::Click:
+        return m_Changed.IndexOf(input.Code) == -1;
+    case Input::Pointer:
+        return std::none_of(m_Changed.begin(), m_Changed.end(), cInput::IsMouseButtonCode);
+    default:
+        return true;
+    }
+}
+
+void HostWindow::Apply(const Input& input) {
+    constexpr unsigned MostMs = 400;
+    constexpr float Reach = 4;
+    switch (input.What) {
+    case Input::Click: {
+        const cVec2 way = m_Mouse.Position - m_ClickAt;
+        const unsigned timeMs = unsigned(input.Value);
+        const bool isSecond = input.Code == cInput::LeftButton && m_ClickCode == input.Code &&
+                              timeMs - m_ClickTimeMs <= MostMs && std::fabs(way.x) <= Reach &&
+                              std::fabs(way.y) <= Reach;
+        m_Mouse.DoubleClick = m_Mouse.DoubleClick || isSecond;
+        m_ClickCode = isSecond ? -1 : input.Code; // a third one begins anew
+        m_ClickTimeMs = timeMs;
+        m_ClickAt = m_Mouse.Position;
+        *Flag(input.Code) = true;
+        m_Changed.Add(input.Code);
+        break;
+    }
+    case Input::Button:
+        if (*Flag(input.Code) != bool(input.Value)) {
+            *Flag(input.Code) = input.Value;
+            m_Changed.Add(input.Code);
+        }
+        break;
+    case Input::Char:
+        m_Chars.Add({input.Value, input.Code});
+        break;
+    case Input::Pointer:
+        m_Mouse.Position = input.Position;
+        break;
+    case Input::Wheel:
+        m_Mouse.Wheel += input.Code;
+        break;
+    }
+}
+
+/// The mouse is sampled last.
+void HostWindow::EndSample() {
+    m_Mouse.Wheel = 0;
+    m_Mouse.DoubleClick = false;
+    m_Changed.Clear();
+    for (; !m_Waiting.empty() && Fits(m_Waiting.front()); m_Waiting.pop_front()) {
+        Apply(m_Waiting.front());
+        m_HasChanged = true;
+    }
+}
+
+void HostWindow::OnButton(int code, bool isDown) {
+    if (Flag(code)) {
+        Take({Input::Button, code, isDown, {}});
     }
 }
 
 void HostWindow::OnClick(int code, unsigned timeMs) {
-    constexpr unsigned MostMs = 400;
-    constexpr float Reach = 4;
-    const cVec2 way = m_Mouse.Position - m_ClickAt;
-    const bool isSecond = code == cInput::LeftButton && m_ClickCode == code && timeMs - m_ClickTimeMs <= MostMs &&
-                          std::fabs(way.x) <= Reach && std::fabs(way.y) <= Reach;
-    m_Mouse.DoubleClick = m_Mouse.DoubleClick || isSecond;
-    m_ClickCode = isSecond ? -1 : code; // a third one begins anew
-    m_ClickTimeMs = timeMs;
-    m_ClickAt = m_Mouse.Position;
-    OnButton(code, true);
+    if (Flag(code)) {
+        Take({Input::Click, code, int(timeMs), {}});
+    }
 }
 
 void HostWindow::OnChar(int utf32, int code) {
-    m_Chars.Add({utf32, code});
-    m_HasChanged = true;
+    Take({Input::Char, code, utf32, {}});
 }
 
 void HostWindow::OnPointer(float x, float y) {
-    m_Mouse.Position = {x, y};
-    m_HasChanged = true;
+    Take({Input::Pointer, 0, 0, {x, y}});
 }
 
 void HostWindow::OnWheel(int notches) {
-    m_Mouse.Wheel += notches;
-    m_HasChanged = true;
+    Take({Input::Wheel, notches, 0, {}});
 }
 
 void HostWindow::OnFocusLost() {
@@ -103,8 +140,7 @@ void HostWindow::OnFocusLost() {
             *flag = false;
         }
     }
-    m_Pressed.Clear();
-    m_Released.Clear();
+    m_Waiting.clear();
     m_HasChanged = true;
 }
 

@@ -3,16 +3,19 @@
 // Everything that a platform has of its own stands behind this class; the one there is, is in HostWindow_X11.cpp.
 #pragma once
 
+#include "files/cIO.h"
 #include "view/cInput.h"
 
+#include <deque>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace trellis {
 
 class cImage;
 
-/// While it lives, it is what `cInput` samples and what `cIO` has for a clipboard. Main thread only.
+/// While it lives, it is what `cInput` samples. Main thread only.
 class HostWindow {
 public:
     /// @param error  receives a sentence
@@ -28,10 +31,12 @@ public:
     virtual void Show(const cImage& picture) = 0; ///< `Rgba8`, row 0 at the bottom.
     virtual void SetTitle(const char* title) = 0;
 
+    static void AddTo(cIO::Host* host); ///< The clipboard, for as long as the window lives.
+
     int GetWidth() const { return m_Width; }
     int GetHeight() const { return m_Height; }
-    bool IsClosing() const { return m_IsClosing; }              ///< The person has closed it.
-    const std::string& GetFailure() const { return m_Failure; } ///< A sentence once the screen is gone.
+    bool TakeClose() { return std::exchange(m_IsClosing, false); } ///< Whether the person wants to close it.
+    const std::string& GetFailure() const { return m_Failure; }    ///< A sentence once the screen is gone.
 
     /// Whether something has happened since the last call: input, another size, something uncovered.
     bool TakeChange() { return std::exchange(m_HasChanged, false); }
@@ -39,7 +44,8 @@ public:
 protected:
     HostWindow();
 
-    // What has happened, as a platform tells it. Down and up between two frames is seen as such.
+    // What has happened, in its order, as a platform tells it. What does not fit into one sample waits for the next: a
+    // button that changes twice, a pointer that moves on after a click.
     void OnButton(int code, bool isDown);    ///< Keys as well; -1 and repeats are ignored.
     void OnClick(int code, unsigned timeMs); ///< A button goes down; two in a row are a double click.
     void OnChar(int utf32, int code);
@@ -58,7 +64,17 @@ protected:
     int m_Width = 0, m_Height = 0;
 
 private:
-    void Sample();
+    struct Input {
+        enum Kind { Button, Click, Char, Pointer, Wheel } What;
+        int Code;       // or the notches
+        int Value;      // whether down; the character; the time
+        cVec2 Position; // of the pointer
+    };
+
+    void Take(const Input& input);
+    bool Fits(const Input& input);
+    void Apply(const Input& input);
+    void EndSample();
     bool* Flag(int code);
 
     static HostWindow* s_Window;
@@ -66,8 +82,8 @@ private:
     cInput::KeyboardState m_Keys;
     cInput::MouseState m_Mouse;
     cList<cInput::CharPress> m_Chars;
-    cList<int> m_Pressed;  // since the last sample
-    cList<int> m_Released; // in the same time: they go up with the next one
+    cList<int> m_Changed; // buttons, since the last sample
+    std::deque<Input> m_Waiting;
     unsigned m_ClickTimeMs = 0;
     int m_ClickCode = -1;
     cVec2 m_ClickAt{0, 0};

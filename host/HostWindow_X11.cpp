@@ -16,7 +16,9 @@
 #include <sys/shm.h>
 
 #include <algorithm>
+#include <bitset>
 #include <chrono>
+#include <clocale>
 #include <cstring>
 #include <vector>
 
@@ -155,6 +157,7 @@ private:
     GC m_Gc = nullptr;
     XIM m_Method = nullptr;
     XIC m_Context = nullptr;
+    std::bitset<256> m_Held; // keys, by their X codes
     Atom m_DeleteWindow = 0, m_Clipboard = 0, m_Utf8 = 0, m_Targets = 0, m_Property = 0;
     XImage* m_Image = nullptr;
     XShmSegmentInfo m_Shared{};
@@ -184,6 +187,7 @@ bool X11Window::Create(const char* title, int width, int height, std::string* er
         *error = "The screen has no true colours.";
         return false;
     }
+    XSetIOErrorHandler([](Display*) { return 0; }); // the other one says it
     XSetIOErrorExitHandler(
         m_Display,
         [](Display*, void* window) {
@@ -194,7 +198,7 @@ bool X11Window::Create(const char* title, int width, int height, std::string* er
         XCreateSimpleWindow(m_Display, RootWindow(m_Display, screen), 0, 0, unsigned(width), unsigned(height), 0, 0, 0);
     XSelectInput(m_Display, m_Window,
                  KeyPressMask | KeyReleaseMask | ButtonPressMask | ButtonReleaseMask | PointerMotionMask |
-                     StructureNotifyMask | ExposureMask | FocusChangeMask);
+                     EnterWindowMask | StructureNotifyMask | ExposureMask | FocusChangeMask);
     const auto atom = [this](const char* name) { return XInternAtom(m_Display, name, False); };
     m_DeleteWindow = atom("WM_DELETE_WINDOW");
     m_Clipboard = atom("CLIPBOARD");
@@ -203,6 +207,8 @@ bool X11Window::Create(const char* title, int width, int height, std::string* er
     m_Property = atom("TRELLIS_CLIPBOARD");
     XSetWMProtocols(m_Display, m_Window, &m_DeleteWindow, 1);
     XkbSetDetectableAutoRepeat(m_Display, True, nullptr);
+    std::setlocale(LC_CTYPE, ""); // of dead keys
+    XSetLocaleModifiers("");
     m_Method = XOpenIM(m_Display, nullptr, nullptr, nullptr);
     if (m_Method) {
         m_Context = XCreateIC(m_Method, XNInputStyle, XIMPreeditNothing | XIMStatusNothing, XNClientWindow, m_Window,
@@ -273,6 +279,7 @@ void X11Window::Handle(XEvent& event) {
         OnKey(event.xkey);
         break;
     case KeyRelease:
+        m_Held.reset(event.xkey.keycode & 255);
         OnButton(CodeOf(XkbKeycodeToKeysym(m_Display, KeyCode(event.xkey.keycode), 0, 0)), false);
         break;
     case ButtonPress:
@@ -287,6 +294,9 @@ void X11Window::Handle(XEvent& event) {
         point(event.xbutton.x, event.xbutton.y);
         OnButton(buttonOf(event.xbutton.button), false);
         break;
+    case EnterNotify:
+        point(event.xcrossing.x, event.xcrossing.y);
+        break;
     case MotionNotify:
         point(event.xmotion.x, event.xmotion.y);
         break;
@@ -297,6 +307,7 @@ void X11Window::Handle(XEvent& event) {
         OnChange();
         break;
     case FocusOut:
+        m_Held.reset();
         OnFocusLost();
         break;
     case MappingNotify:
@@ -319,8 +330,11 @@ void X11Window::Handle(XEvent& event) {
 /// Repeats are the framework's to make; a character goes with its first press.
 void X11Window::OnKey(XKeyEvent& event) {
     const int code = CodeOf(XkbKeycodeToKeysym(m_Display, KeyCode(event.keycode), 0, 0));
-    const bool isRepeat = code != -1 && cInput::IsDown(code);
-    OnButton(code, true);
+    const bool isRepeat = m_Held.test(event.keycode & 255);
+    m_Held.set(event.keycode & 255);
+    if (!isRepeat) {
+        OnButton(code, true);
+    }
     char text[64] = {};
     KeySym symbol = 0;
     int length;

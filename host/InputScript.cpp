@@ -4,7 +4,7 @@
 #include "image/cImage.h"
 #include "render/cRender.h"
 
-#include <fstream>
+#include <cmath>
 #include <iterator>
 #include <sstream>
 
@@ -129,66 +129,101 @@ bool InputScript::Parse(const std::string& text, std::string* error) {
     return true;
 }
 
+bool InputScript::Trace(const char* pathName, std::string* error) {
+    m_Trace.open(pathName);
+    if (!m_Trace) {
+        *error = std::string("cannot write ") + pathName;
+        return false;
+    }
+    return true;
+}
+
 bool InputScript::Play(const Listener& listener, const std::function<void()>& frame, std::string* error) {
-    std::vector<int> toRelease;
-    std::string toType;
-    cVec2 step(0, 0);
-    int stepsLeft = 0;
-    size_t next = 0;
-    for (int now = 0; next < m_Events.size() || stepsLeft > 0 || !toType.empty() || !toRelease.empty(); now++) {
-        Chars().Clear();
-        s_Mouse.Wheel = 0;
-        s_Mouse.DoubleClick = false;
-        for (int code : std::exchange(toRelease, {})) {
-            SetDown(code, false);
-        }
-        std::vector<const Event*> saves;
-        for (; next < m_Events.size() && m_Events[next].Frame <= now; next++) {
-            const Event& e = m_Events[next];
-            if (e.Verb == "size") {
-                listener.Size(int(e.Values[0]), int(e.Values[1]));
-            } else if (e.Verb == "point") {
-                if (!listener.Find(e.Text, &s_Mouse.Position)) {
-                    *error = "line " + std::to_string(e.Line) + ": nothing is called " + e.Text;
-                    return false;
-                }
-            } else if (e.Verb == "move") {
-                s_Mouse.Position = {e.Values[0], e.Values[1]};
-            } else if (e.Verb == "drag") {
-                stepsLeft = std::max(1, int(e.Values[2]));
-                step = cVec2(e.Values[0], e.Values[1]) * (1.0f / float(stepsLeft));
-            } else if (e.Verb == "wheel") {
-                s_Mouse.Wheel = int(e.Values[0]);
-            } else if (e.Verb == "type") {
-                toType += e.Text;
-            } else if (e.Verb == "save") {
-                saves.push_back(&e);
-            } else {
-                const int code = e.Verb == "double" ? int(cInput::LeftButton) : e.Code;
-                s_Mouse.DoubleClick = s_Mouse.DoubleClick || e.Verb == "double";
-                SetDown(code, e.Verb != "up");
-                if (e.Verb == "press" || e.Verb == "double") {
-                    toRelease.push_back(code);
-                }
-            }
-        }
-        if (stepsLeft > 0) {
-            s_Mouse.Position += step;
-            stepsLeft--;
-        }
-        if (!toType.empty()) {
-            Chars().Add({static_cast<unsigned char>(toType[0]), -1});
-            toType.erase(0, 1);
-        }
-        cInput::Acquire();
+    error->clear();
+    while (Next(listener, error)) {
         frame();
         cInput::FreeEvents();
-        for (const Event* save : saves) {
-            if (!listener.Save(save->Text)) {
-                *error = "line " + std::to_string(save->Line) + ": cannot save " + save->Text;
-                return false;
-            }
+    }
+    return error->empty();
+}
+
+bool InputScript::IsOver() const {
+    return m_Next == m_Events.size() && m_StepsLeft == 0 && m_ToType.empty() && m_ToRelease.empty();
+}
+
+bool InputScript::Next(const Listener& listener, std::string* error) {
+    for (const Event* save : std::exchange(m_Saves, {})) {
+        if (!listener.Save(save->Text)) {
+            *error = "line " + std::to_string(save->Line) + ": cannot save " + save->Text;
+            return false;
         }
+    }
+    if (IsOver()) {
+        return false;
+    }
+    Chars().Clear();
+    s_Mouse.Wheel = 0;
+    s_Mouse.DoubleClick = false;
+    for (int code : std::exchange(m_ToRelease, {})) {
+        SetDown(code, false);
+    }
+    for (; m_Next < m_Events.size() && m_Events[m_Next].Frame <= m_Frame; m_Next++) {
+        if (!Apply(m_Events[m_Next], listener, error)) {
+            return false;
+        }
+    }
+    if (m_StepsLeft > 0) {
+        s_Mouse.Position += m_Step;
+        m_StepsLeft--;
+    }
+    if (!m_ToType.empty()) {
+        Chars().Add({static_cast<unsigned char>(m_ToType[0]), -1});
+        m_ToType.erase(0, 1);
+    }
+    m_Frame++;
+    cInput::Acquire();
+    return true;
+}
+
+bool InputScript::Apply(const Event& e, const Listener& listener, std::string* error) {
+    const bool isPlace = e.Verb == "point" || e.Verb == "move";
+    if (e.Verb == "size") {
+        listener.Size(int(e.Values[0]), int(e.Values[1]));
+    } else if (e.Verb == "point") {
+        if (!listener.Find(e.Text, &s_Mouse.Position)) {
+            *error = "line " + std::to_string(e.Line) + ": nothing is called " + e.Text;
+            return false;
+        }
+        s_Mouse.Position = {std::floor(s_Mouse.Position.x), std::floor(s_Mouse.Position.y)}; // as of a mouse
+    } else if (e.Verb == "move") {
+        s_Mouse.Position = {e.Values[0], e.Values[1]};
+    } else if (e.Verb == "drag") {
+        m_StepsLeft = std::max(1, int(e.Values[2]));
+        m_Step = cVec2(e.Values[0], e.Values[1]) * (1.0f / float(m_StepsLeft));
+    } else if (e.Verb == "wheel") {
+        s_Mouse.Wheel = int(e.Values[0]);
+    } else if (e.Verb == "type") {
+        m_ToType += e.Text;
+    } else if (e.Verb == "save") {
+        m_Saves.push_back(&e);
+    } else {
+        const int code = e.Verb == "double" ? int(cInput::LeftButton) : e.Code;
+        s_Mouse.DoubleClick = s_Mouse.DoubleClick || e.Verb == "double";
+        SetDown(code, e.Verb != "up");
+        if (e.Verb == "press" || e.Verb == "double") {
+            m_ToRelease.push_back(code);
+        }
+    }
+    if (m_Trace.is_open()) {
+        m_Trace << m_Frame << ' ' << (isPlace ? "move" : e.Verb);
+        if (isPlace) {
+            m_Trace << ' ' << s_Mouse.Position.x << ' ' << s_Mouse.Position.y;
+        } else if (!e.Text.empty()) {
+            m_Trace << ' ' << e.Text;
+        } else {
+            m_Trace << ' ' << e.Values[0] << ' ' << e.Values[1] << ' ' << e.Values[2];
+        }
+        m_Trace << '\n';
     }
     return true;
 }

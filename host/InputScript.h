@@ -19,6 +19,7 @@
 #include "math/cVec2.h"
 #include "view/cInput.h"
 
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -47,9 +48,18 @@ public:
     /// @param error  receives what is wrong with which line
     bool Parse(const std::string& text, std::string* error);
 
+    /// From now on writes each event to a file as it happens, and in place of a `point` where that was.
+    bool Trace(const char* pathName, std::string* error);
+
     /// Runs all frames, 60 a second. @param frame  handles the input that has been sampled, and draws
     /// @return false when a name was not found or a picture not saved; the error tells
     bool Play(const Listener& listener, const std::function<void()>& frame, std::string* error);
+
+    /// The same, frame by frame: saves the pictures of the frame before, and samples the next one's input. May be
+    /// called from within a frame, by a dialog that runs frames of its own.
+    ///
+    /// @return false at the end, and where something went wrong: then the error tells
+    bool Next(const Listener& listener, std::string* error);
 
 private:
     struct Event {
@@ -60,8 +70,20 @@ private:
     };
 
     static void SetDown(int code, bool down);
+    bool Apply(const Event& event, const Listener& listener, std::string* error);
+    bool IsOver() const;
 
     std::vector<Event> m_Events;
+    std::ofstream m_Trace;
+
+    // While it plays
+    size_t m_Next = 0;
+    int m_Frame = 0;
+    std::vector<const Event*> m_Saves; // of the present frame
+    std::vector<int> m_ToRelease;
+    std::string m_ToType;
+    cVec2 m_Step{0, 0};
+    int m_StepsLeft = 0;
 };
 
 } // namespace trellis

@@ -23,17 +23,10 @@ void Narrow(cSoftwareRaster::Bounds* bounds, const cRect& r) {
     bounds->Y1 = std::min(bounds->Y1, FirstPixel(r.y1, bounds->Y1));
 }
 
-void ClearSurface(const cSoftwareSurface& surface, const cSoftwareRaster::Bounds& b, const cColor& color) {
-    cSoftwareMerge merge;
-    merge.Begin(surface, cSoftwareBlend());
-    for (int y = b.Y0; y < b.Y1 && b.X0 < b.X1; y++) {
-        merge.Fill(b.X0, y, b.X1 - b.X0, cVec4(color.r, color.g, color.b, color.a));
-    }
-}
-
 } // namespace
 
-cSoftwareDevice::cSoftwareDevice(int width, int height) : m_Width(width), m_Height(height) {
+cSoftwareDevice::cSoftwareDevice(int width, int height, int threads)
+    : m_Width(width), m_Height(height), m_Queue(threads) {
     cSoftwareShader::RegisterBuiltIn();
     m_Viewport = cRect(0, 0, float(width), float(height));
     m_ClipRect = cRect::Empty;
@@ -46,6 +39,7 @@ bool cSoftwareDevice::SetSize(int width, int height) {
     if (!color.InitColor(cFormat::Rgba8, width, height, 1) || !depth.InitDepth(cFormat::Depth24, width, height)) {
         return false;
     }
+    m_Queue.Flush();
     std::swap(m_BackBuffer, color);
     std::swap(m_BackDepth, depth);
     m_Width = width;
@@ -57,7 +51,13 @@ bool cSoftwareDevice::Init(int) {
     return SetSize(m_Width, m_Height);
 }
 
+const cImage& cSoftwareDevice::GetBackBuffer() const {
+    m_Queue.Flush();
+    return m_BackBuffer.GetPixels();
+}
+
 void cSoftwareDevice::Free() {
+    m_Queue.Flush();
     SetRenderTarget(nullptr, 0, -1, nullptr);
     m_Shader = m_VertexBuffer = m_IndexBuffer = -1;
     m_Textures.clear();
@@ -71,8 +71,6 @@ void cSoftwareDevice::Free() {
     m_BlendStates.Free();
     m_DepthStates.Free();
     m_State = cSoftwareRaster::State();
-    m_Vertices.Free();
-    m_Corners.Free();
     m_BackBuffer = cSoftwareTexture();
     m_BackDepth = cSoftwareTexture();
 }
@@ -155,9 +153,8 @@ cSoftwareTexture* cSoftwareDevice::TargetAt(int i) {
     return texture ? &texture->Data : nullptr;
 }
 
-/// Surface, depths and bounds of the state. @param depth  receives the depth target, or null
-/// @return false without a surface
-bool cSoftwareDevice::SetTargets(cSoftwareTexture** depth) {
+/// Surface, depths and bounds of the state. @return false without a surface
+bool cSoftwareDevice::SetTargets() {
     cSoftwareTexture* color = TargetAt(0);
     if (!color) {
         return false;
@@ -167,13 +164,13 @@ bool cSoftwareDevice::SetTargets(cSoftwareTexture** depth) {
         return false;
     }
     Texture* depthTexture = At(m_Textures, m_TargetDepth);
-    *depth = m_TargetCount == 0 ? &m_BackDepth : depthTexture ? &depthTexture->Data : nullptr;
+    cSoftwareTexture* depth = m_TargetCount == 0 ? &m_BackDepth : depthTexture ? &depthTexture->Data : nullptr;
     m_State.Clip = {0, 0, m_State.Surface.Width, m_State.Surface.Height};
-    m_State.Depths = *depth ? (*depth)->GetDepthPixels() : nullptr;
+    m_State.Depths = depth ? depth->GetDepthPixels() : nullptr;
     if (m_State.Depths) {
-        m_State.DepthPitch = (*depth)->GetWidth();
-        m_State.Clip.X1 = std::min(m_State.Clip.X1, (*depth)->GetWidth());
-        m_State.Clip.Y1 = std::min(m_State.Clip.Y1, (*depth)->GetHeight());
+        m_State.DepthPitch = depth->GetWidth();
+        m_State.Clip.X1 = std::min(m_State.Clip.X1, depth->GetWidth());
+        m_State.Clip.Y1 = std::min(m_State.Clip.Y1, depth->GetHeight());
     }
     if (!m_ClipRect.IsEmpty()) {
         Narrow(&m_State.Clip, m_ClipRect);
@@ -182,33 +179,36 @@ bool cSoftwareDevice::SetTargets(cSoftwareTexture** depth) {
 }
 
 void cSoftwareDevice::Clear(bool color, bool depth, const cColor& colorValue, float depthValue) {
-    cSoftwareTexture* depthTexture;
-    if (!SetTargets(&depthTexture)) {
+    if (!SetTargets()) {
         return;
     }
-    const cSoftwareRaster::Bounds& b = m_State.Clip;
-    for (int i = 0; color && i < std::max(m_TargetCount, 1); i++) {
+    cSoftwareQueue::Fill fill{
+        color, depth && m_State.Depths, {colorValue.r, colorValue.g, colorValue.b, colorValue.a}, depthValue};
+    m_Queue.Clear(m_State, fill);
+    fill.IsDepth = false;
+    for (int i = 1; color && i < m_TargetCount; i++) {
+        cSoftwareRaster::State state = m_State;
         cSoftwareTexture* target = TargetAt(i);
-        const cSoftwareSurface surface =
-            target ? target->GetSurface(m_TargetCount == 0 ? 0 : m_Slices[i]) : cSoftwareSurface();
-        ClearSurface(surface, {b.X0, b.Y0, std::min(b.X1, surface.Width), std::min(b.Y1, surface.Height)}, colorValue);
-    }
-    for (int y = b.Y0; depth && m_State.Depths && y < b.Y1 && b.X0 < b.X1; y++) {
-        std::fill_n(m_State.Depths + size_t(y) * size_t(m_State.DepthPitch) + size_t(b.X0), b.X1 - b.X0, depthValue);
+        state.Surface = target ? target->GetSurface(m_Slices[i]) : cSoftwareSurface();
+        state.Clip.X1 = std::min(state.Clip.X1, state.Surface.Width);
+        state.Clip.Y1 = std::min(state.Clip.Y1, state.Surface.Height);
+        if (!state.Surface.IsEmpty()) {
+            m_Queue.Clear(state, fill);
+        }
     }
 }
 
 void cSoftwareDevice::ScreenShot(cImage* out) {
+    m_Queue.Flush();
     m_BackBuffer.Save(out);
 }
 
 // Drawing
 
+/// @param isAlone  receives whether the call reads a texture that it may draw into
 /// @return whether there is all that a draw call needs
-bool cSoftwareDevice::Prepare() {
-    const Shader* shader = At(m_Shaders, m_Shader);
-    cSoftwareTexture* depth;
-    if (!shader || !SetTargets(&depth)) {
+bool cSoftwareDevice::Prepare(const Shader* shader, bool* isAlone) {
+    if (!shader || !SetTargets()) {
         return false;
     }
     constexpr float limit = cSoftwareRaster::MaxPlace;
@@ -229,46 +229,64 @@ bool cSoftwareDevice::Prepare() {
         }
         sampler.Slot->Texture = &texture->Data;
         sampler.Slot->Mode = texture->Mode;
+        *isAlone |= sampler.Texture == m_TargetDepth ||
+                    std::find(m_Targets, m_Targets + m_TargetCount, sampler.Texture) != m_Targets + m_TargetCount;
     }
-    m_State.Shader = shader->Program.get();
     shader->Program->SetAutoConsts(m_Viewport);
-    m_Raster.Begin(m_State);
     return true;
 }
 
-/// @param index  gives the number of the vertex at a place of the sequence; negative for none
-template <class Index> void cSoftwareDevice::Assemble(cTopology::Enum topology, int count, Index index) {
-    const auto vertex = [&](int i) -> const cSoftwareRaster::Corner* {
-        const int at = index(i);
-        return at >= 0 && at < m_Corners.Count() ? &m_Corners[at] : nullptr;
-    };
+/// The shader with its constants of now, which stay until the queue has been drawn.
+const cSoftwareShader* cSoftwareDevice::KeepValues(Shader* shader) {
+    const cSoftwareShader& program = *shader->Program;
+    if (program.GetPixelStage() == cSoftwareShader::PixelStage::Color) {
+        return &program; // has no stage left to run
+    }
+    if (shader->Round != m_Queue.GetRound()) {
+        shader->Round = m_Queue.GetRound();
+        shader->Used = 0;
+    }
+    if (shader->Used > 0 && shader->Copies[shader->Used - 1]->HasValuesOf(program)) {
+        return shader->Copies[shader->Used - 1].get();
+    }
+    if (shader->Used == shader->Copies.size()) {
+        shader->Copies.push_back(shader->Make(LayoutOf(shader->Format), shader->Defines));
+    }
+    cSoftwareShader* copy = shader->Copies[shader->Used++].get();
+    copy->CopyValuesOf(program);
+    return copy;
+}
+
+/// @param index  gives the number of the vertex at a place of the sequence
+template <class Index> void cSoftwareDevice::Assemble(cTopology::Enum topology, int count, int vertices, Index index) {
+    const auto isVertex = [vertices](int at) { return at >= 0 && at < vertices; };
     switch (topology) {
     case cTopology::Points:
         for (int i = 0; i < count; i++) {
-            if (const auto* a = vertex(i)) {
-                m_Raster.Point(*a);
+            if (const int a = index(i); isVertex(a)) {
+                m_Queue.Point(a);
             }
         }
         break;
     case cTopology::LineList:
         for (int i = 0; i + 1 < count; i += 2) {
-            const auto *a = vertex(i), *b = vertex(i + 1);
-            if (a && b) {
-                m_Raster.Line(*a, *b, false);
+            const int a = index(i), b = index(i + 1);
+            if (isVertex(a) && isVertex(b)) {
+                m_Queue.Line(a, b, false);
             }
         }
         break;
     case cTopology::LineStrip:
         for (int i = 0, joined = false; i + 1 < count; i++) {
-            const auto *a = vertex(i), *b = vertex(i + 1);
-            joined = a && b && m_Raster.Line(*a, *b, joined); // a joint would be blended twice
+            const int a = index(i), b = index(i + 1);
+            joined = isVertex(a) && isVertex(b) && m_Queue.Line(a, b, joined); // a joint would be blended twice
         }
         break;
     case cTopology::TriangleList:
         for (int i = 0; i + 2 < count; i += 3) {
-            const auto *a = vertex(i), *b = vertex(i + 1), *c = vertex(i + 2);
-            if (a && b && c) {
-                m_Raster.Triangle(*a, *b, *c);
+            const int a = index(i), b = index(i + 1), c = index(i + 2);
+            if (isVertex(a) && isVertex(b) && isVertex(c)) {
+                m_Queue.Triangle(a, b, c);
             }
         }
         break;
@@ -278,27 +296,33 @@ template <class Index> void cSoftwareDevice::Assemble(cTopology::Enum topology, 
 /// @param indices  null for the vertices in their order
 void cSoftwareDevice::Draw(cTopology::Enum topology, const void* vertices, int vertexCount, const void* indices,
                            int indexCount, int indexSize) {
-    if (!vertices || vertexCount < 1 || !Prepare()) {
+    Shader* shader = At(m_Shaders, m_Shader);
+    bool isAlone = false;
+    if (!vertices || vertexCount < 1 || !Prepare(shader, &isAlone)) {
         return;
     }
-    m_Vertices.SetCount(vertexCount);
-    m_State.Shader->Vertices(static_cast<const unsigned char*>(vertices), vertexCount, m_Vertices.Data());
-    m_Corners.SetCount(vertexCount);
-    m_Raster.Project(m_Vertices.Data(), vertexCount, m_Corners.Data());
+    m_Queue.MakeRoom(m_State, vertexCount, isAlone);
+    m_State.Shader = KeepValues(shader);
+    shader->Program->Vertices(static_cast<const unsigned char*>(vertices), vertexCount,
+                              m_Queue.Begin(m_State, topology, vertexCount));
+    m_Queue.Project();
     if (!indices) {
-        Assemble(topology, vertexCount, [](int i) { return i; });
+        Assemble(topology, vertexCount, vertexCount, [](int i) { return i; });
     } else if (indexSize == 2) {
-        Assemble(topology, indexCount, [indices](int i) {
+        Assemble(topology, indexCount, vertexCount, [indices](int i) {
             unsigned short v;
             std::memcpy(&v, static_cast<const unsigned char*>(indices) + size_t(i) * sizeof v, sizeof v);
             return int(v);
         });
     } else {
-        Assemble(topology, indexCount, [indices](int i) {
+        Assemble(topology, indexCount, vertexCount, [indices](int i) {
             int v;
             std::memcpy(&v, static_cast<const unsigned char*>(indices) + size_t(i) * sizeof v, sizeof v);
             return v;
         });
+    }
+    if (isAlone) {
+        m_Queue.Flush();
     }
 }
 

@@ -5,7 +5,7 @@
 // Row 0 of the back buffer, of targets and of textures is the bottom one.
 #pragma once
 
-#include "host/cSoftwareRaster.h"
+#include "host/cSoftwareQueue.h"
 #include "math/cRect.h"
 #include "render/cRender_Stub.h"
 
@@ -23,7 +23,8 @@ namespace trellis {
 /// rendering thread.
 class cSoftwareDevice : public cRender_Stub {
 public:
-    cSoftwareDevice(int width, int height);
+    /// @param threads  that draw, this one included; 0 for one for each processor
+    cSoftwareDevice(int width, int height, int threads = 0);
     ~cSoftwareDevice() override;
     cSoftwareDevice(const cSoftwareDevice&) = delete;
     cSoftwareDevice& operator=(const cSoftwareDevice&) = delete;
@@ -32,7 +33,7 @@ public:
     ///
     /// @return false for a side outside 1 to `cSoftwareTexture::MaxSide`; the back buffer then stays as it was
     bool SetSize(int width, int height);
-    const cImage& GetBackBuffer() const { return m_BackBuffer.GetPixels(); } ///< `Rgba8`.
+    const cImage& GetBackBuffer() const; ///< `Rgba8`; until the next call that draws.
 
     int GetType() const override { return 3; }
     bool Init(int type) override;
@@ -114,8 +115,8 @@ public:
     void SetCullMode(cCullMode::Enum mode) override { m_State.Cull = mode; }
     void Clear(bool color, bool depth, const cColor& colorValue, float depthValue) override; ///< Within the clip.
     void BeginFrame() override {}
-    void EndFrame() override {}
-    void Finish() override {}
+    void EndFrame() override { m_Queue.Flush(); }
+    void Finish() override { m_Queue.Flush(); }
 
     /// Floats are kept as such; byte formats in bytes. Channels that the format has not are 0, and alpha 1.
     ///
@@ -139,6 +140,10 @@ private:
     };
     struct Shader {
         std::unique_ptr<cSoftwareShader> Program;
+        cSoftwareShader::Factory Make;
+        std::vector<std::unique_ptr<cSoftwareShader>> Copies; // with the constants of calls that wait
+        size_t Used = 0;                                      // of them, in this round of the queue
+        unsigned Round = 0;
         cStr Name, Defines;
         int Format;
         int Requests = 1;
@@ -167,11 +172,13 @@ private:
     void SetConst(int id, cSoftwareShader::Kind kind, const void* values, int count);
 
     cSoftwareTexture* TargetAt(int i); // null past the last one
-    bool SetTargets(cSoftwareTexture** depth);
-    bool Prepare();
+    bool SetTargets();
+    bool Prepare(const Shader* shader, bool* isAlone);
+    const cSoftwareShader* KeepValues(Shader* shader);
+    const cSoftwareShader::Layout& LayoutOf(int vertexFormat) const;
     void Draw(cTopology::Enum topology, const void* vertices, int vertexCount, const void* indices, int indexCount,
               int indexSize);
-    template <class Index> void Assemble(cTopology::Enum topology, int count, Index index);
+    template <class Index> void Assemble(cTopology::Enum topology, int count, int vertices, Index index);
 
     cSoftwareTexture m_BackBuffer, m_BackDepth;
     int m_Width, m_Height;
@@ -191,9 +198,7 @@ private:
     int m_Shader = -1, m_VertexBuffer = -1, m_IndexBuffer = -1;
     int m_Targets[s_MaxTargets], m_Slices[s_MaxTargets], m_TargetCount = 0, m_TargetDepth = -1;
 
-    cSoftwareRaster m_Raster;
-    cList<cSoftwareShader::Vertex> m_Vertices; // scratch, kept for the next call, as the next one
-    cList<cSoftwareRaster::Corner> m_Corners;
+    mutable cSoftwareQueue m_Queue; // what waits in it is a part of the picture already
 };
 
 } // namespace trellis

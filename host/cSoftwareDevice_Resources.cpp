@@ -66,6 +66,7 @@ int cSoftwareDevice::AddTexture(const cImage& image) {
 }
 
 void cSoftwareDevice::ReloadTextures() {
+    m_Queue.Flush();
     for (const auto& texture : m_Textures) {
         if (texture && !texture->FilePn.IsEmpty()) {
             Load(*texture);
@@ -74,6 +75,7 @@ void cSoftwareDevice::ReloadTextures() {
 }
 
 void cSoftwareDevice::ReloadTexture(int id) {
+    m_Queue.Flush();
     if (Texture* texture = At(m_Textures, id); texture && !texture->FilePn.IsEmpty()) {
         Load(*texture);
     }
@@ -86,6 +88,7 @@ void cSoftwareDevice::ReloadTexture(const char* filePn) {
 }
 
 void cSoftwareDevice::UnloadTextures() {
+    m_Queue.Flush();
     for (const auto& texture : m_Textures) {
         if (texture && !texture->FilePn.IsEmpty()) {
             texture->Data.Free();
@@ -94,6 +97,7 @@ void cSoftwareDevice::UnloadTextures() {
 }
 
 void cSoftwareDevice::UpdateTexture(int id, const cList<cImage*>& images, const cList<cRect>& rects) {
+    m_Queue.Flush();
     Texture* texture = At(m_Textures, id);
     for (int i = 0; texture && i < std::min(images.Count(), rects.Count()); i++) {
         const int x = cMath::TruncateToInt(rects[i].x0), y = cMath::TruncateToInt(rects[i].y0); // as images are cut
@@ -104,6 +108,7 @@ void cSoftwareDevice::UpdateTexture(int id, const cList<cImage*>& images, const 
 }
 
 void cSoftwareDevice::FreeTexture(int id) {
+    m_Queue.Flush();
     Release(m_Textures, id);
 }
 
@@ -176,6 +181,7 @@ int cSoftwareDevice::AddRenderDepth(int target, cFormat::Enum format) {
 }
 
 void cSoftwareDevice::SetRenderTargetSize(int target, int width, int height) {
+    m_Queue.Flush();
     Texture* texture = At(m_Textures, target);
     if (!texture || texture->Data.GetUsage() != cSoftwareTexture::Usage::Color ||
         !cSoftwareTexture::IsSize(width, height)) {
@@ -194,6 +200,7 @@ void cSoftwareDevice::SetRenderTargetSize(int target, int width, int height) {
 }
 
 void cSoftwareDevice::SaveRenderTarget(int target, cImage* out) {
+    m_Queue.Flush();
     const cSoftwareTexture* texture = PixelsOf(target);
     if (texture && texture->GetUsage() != cSoftwareTexture::Usage::Image) {
         texture->Save(out);
@@ -204,15 +211,20 @@ void cSoftwareDevice::SaveRenderTarget(int target, cImage* out) {
 
 // Shaders
 
+const cSoftwareShader::Layout& cSoftwareDevice::LayoutOf(int vertexFormat) const {
+    static const cSoftwareShader::Layout s_NoFormat;
+    const bool isKnown = vertexFormat >= 0 && size_t(vertexFormat) < m_Formats.size();
+    return isKnown ? m_Formats[size_t(vertexFormat)] : s_NoFormat;
+}
+
 int cSoftwareDevice::AddShader(const char* name, int vertexFormat, const char* defines) {
     const cSoftwareShader::Factory factory = name ? cSoftwareShader::Find(name) : nullptr;
     if (!factory) {
         return -1;
     }
-    static const cSoftwareShader::Layout s_NoFormat;
-    const bool isKnown = vertexFormat >= 0 && size_t(vertexFormat) < m_Formats.size();
     auto shader = std::make_unique<Shader>();
-    shader->Program = factory(isKnown ? m_Formats[size_t(vertexFormat)] : s_NoFormat, defines ? defines : "");
+    shader->Make = factory;
+    shader->Program = factory(LayoutOf(vertexFormat), defines ? defines : "");
     shader->Name = name;
     shader->Defines = defines ? defines : "";
     shader->Format = vertexFormat;
@@ -236,6 +248,7 @@ int cSoftwareDevice::GetShaderID(const char* name, int vertexFormat, const char*
 }
 
 void cSoftwareDevice::FreeShader(int id) {
+    m_Queue.Flush();
     Release(m_Shaders, id);
 }
 

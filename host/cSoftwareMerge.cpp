@@ -9,8 +9,6 @@ namespace trellis {
 
 namespace {
 
-constexpr int s_MaxRun = 64;
-
 /// v / 255 rounded, for v from 0 to 65025.
 constexpr unsigned Over255(unsigned v) {
     return (v + 128 + ((v + 128) >> 8)) >> 8;
@@ -72,7 +70,11 @@ void AlphaRun(unsigned* target, const unsigned* source, int step, int count) {
             AlphaQuad(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source))).Over(target + i);
         }
     }
-    AlphaRunPlain(target + i, source, step, count - i);
+    for (; i < count; i++, source += step) {
+        const __m128i zero = _mm_setzero_si128(), s = _mm_unpacklo_epi8(_mm_cvtsi32_si128(int(*source)), zero);
+        const __m128i d = _mm_unpacklo_epi8(_mm_cvtsi32_si128(int(target[i])), zero), sum = AlphaPair(s).Over(d);
+        target[i] = unsigned(_mm_cvtsi128_si32(_mm_packus_epi16(sum, sum)));
+    }
 }
 
 #else
@@ -90,6 +92,17 @@ void FillRun(unsigned* target, unsigned v, int count) {
     }
 #endif
     std::fill_n(target, count, v);
+}
+
+void ToBytes(const cVec4* from, int count, unsigned* out) {
+    int i = 0;
+    for (; i + 4 <= count; i += 4) {
+        Float4::ToBytes(Float4::Load(from[i]), Float4::Load(from[i + 1]), Float4::Load(from[i + 2]),
+                        Float4::Load(from[i + 3]), out + i);
+    }
+    for (; i < count; i++) {
+        out[i] = Float4::Load(from[i]).ToBytes();
+    }
 }
 
 /// Factor of one channel; `one` is 255 or 1.
@@ -172,7 +185,7 @@ void cSoftwareMerge::Begin(const cSoftwareSurface& surface, const cSoftwareBlend
 
 /// @param step  1, or 0 for one source pixel for all
 void cSoftwareMerge::MergeBytes(unsigned* target, const unsigned* source, int step, int count) const {
-    unsigned old[s_MaxRun];
+    unsigned old[MaxRun];
     if (m_Mask != ~0u) {
         std::copy_n(target, count, old);
     }
@@ -210,35 +223,37 @@ cVec4 cSoftwareMerge::MergeFloats(const cVec4& d, const cVec4& s) const {
     return result;
 }
 
-void cSoftwareMerge::Write(int x, int y, int count, const cVec4* colors, const bool* keep) const {
+void cSoftwareMerge::Write(int x, int y, int count, const cVec4* colors, uint64_t keep) const {
     const size_t offset = size_t(y) * size_t(m_Surface.Width) + size_t(x);
     if (m_Surface.Floats) {
         cVec4* target = m_Surface.Floats + offset;
         for (int i = 0; i < count; i++) {
-            if (!keep || keep[i]) {
+            if (keep >> i & 1) {
                 target[i] = MergeFloats(target[i], colors[i]);
             }
         }
         return;
     }
-    if (m_Way == Way::Replace && m_Mask == ~0u && !keep) {
-        Float4::ToBytes(colors, count, m_Surface.Bytes + offset);
+    unsigned* target = m_Surface.Bytes + offset;
+    const bool isWhole = keep == AllOf(count), isPlain = IsPlain();
+    if (isWhole && isPlain) {
+        ToBytes(colors, count, target);
         return;
     }
-    unsigned source[s_MaxRun], merged[s_MaxRun];
-    for (int done = 0; done < count; done += s_MaxRun) {
-        const int run = std::min(count - done, s_MaxRun);
-        unsigned* target = m_Surface.Bytes + offset + done;
-        Float4::ToBytes(colors + done, run, source);
-        if (!keep) {
-            MergeBytes(target, source, 1, run);
-            continue;
-        }
-        std::copy_n(target, run, merged);
-        MergeBytes(merged, source, 1, run);
-        for (int i = 0; i < run; i++) {
-            target[i] = keep[done + i] ? merged[i] : target[i];
-        }
+    unsigned source[MaxRun], merged[MaxRun];
+    ToBytes(colors, count, source);
+    if (isWhole) {
+        MergeBytes(target, source, 1, count);
+        return;
+    }
+    const unsigned* result = source;
+    if (!isPlain) {
+        std::copy_n(target, count, merged);
+        MergeBytes(merged, source, 1, count);
+        result = merged;
+    }
+    for (int i = 0; i < count; i++) {
+        target[i] = keep >> i & 1 ? result[i] : target[i];
     }
 }
 
@@ -256,8 +271,8 @@ void cSoftwareMerge::Fill(int x, int y, int count, const cVec4& color) const {
         MergeBytes(target, &source, 0, count);
         return;
     }
-    for (; count > 0; count -= s_MaxRun, target += s_MaxRun) {
-        MergeBytes(target, &source, 0, std::min(count, s_MaxRun));
+    for (; count > 0; count -= MaxRun, target += MaxRun) {
+        MergeBytes(target, &source, 0, std::min(count, MaxRun));
     }
 }
 

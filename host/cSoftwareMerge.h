@@ -5,6 +5,8 @@
 #include "render/cBlendFactor.h"
 #include "render/cBlendMode.h"
 
+#include <cstdint>
+
 namespace trellis {
 
 struct cSoftwareBlend {
@@ -27,10 +29,16 @@ public:
 
     void Begin(const cSoftwareSurface& surface, const cSoftwareBlend& blend, Path path = Path::Fast);
 
-    /// @param x, y    inside the surface, as all `count` pixels from there to the right
+    static constexpr int MaxRun = 64;
+    static constexpr uint64_t AllOf(int count) { return ~uint64_t(0) >> (MaxRun - count); } ///< `count` above 0.
+
+    /// Whether all that is written is the colour itself, in bytes.
+    bool IsPlain() const { return m_Surface.Bytes && m_Way == Way::Replace && m_Mask == ~0u; }
+
+    /// @param x, y    inside the surface, as all `count` pixels from there to the right, up to `MaxRun`
     /// @param colors  one for each pixel
-    /// @param keep    for each pixel whether it is written; null for all
-    void Write(int x, int y, int count, const cVec4* colors, const bool* keep) const;
+    /// @param keep    a bit for each pixel that is written, from the lowest one on; none above `count`
+    void Write(int x, int y, int count, const cVec4* colors, uint64_t keep) const;
     void Fill(int x, int y, int count, const cVec4& color) const; ///< The same colour for all pixels.
 
 private:

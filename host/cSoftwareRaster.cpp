@@ -1,12 +1,10 @@
 #include "host/cSoftwareRaster.h"
 
-#include "host/Float4.h"
-
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 
 namespace trellis {
 
@@ -16,6 +14,7 @@ constexpr int s_One = 256, s_Half = s_One / 2; // a pixel, and its centre
 constexpr float s_ToPixels = 1.0f / s_One;
 constexpr float s_LeastW = 0.000001f; // nearer to the eye than any near plane
 constexpr unsigned s_NotFinite = 1u << 31;
+const Float4 s_Steps = Float4::Load(cVec4(0, 1, 2, 3));
 
 /// Rounded down; `d` is above 0. 64-bit divisions are slow on the target, and small triangles need none.
 int64_t FloorDiv(int64_t n, int64_t d) {
@@ -40,38 +39,60 @@ float CentreFrom(int pixel, int reference) {
     return float(pixel * s_One + s_Half - reference) * s_ToPixels;
 }
 
-template <class Compare> bool CompareRun(const float* z, const float* depths, int count, bool* keep, Compare passes) {
-    bool any = false;
-    for (int i = 0; i < count; i++) {
-        keep[i] = passes(z[i], depths[i]);
-        any |= keep[i];
+struct Less {
+    int operator()(Float4 a, Float4 b) const { return Float4::Less(a, b); }
+    bool operator()(float a, float b) const { return a < b; }
+};
+struct LessEqual {
+    int operator()(Float4 a, Float4 b) const { return Float4::LessEqual(a, b); }
+    bool operator()(float a, float b) const { return a <= b; }
+};
+struct Equal {
+    int operator()(Float4 a, Float4 b) const { return Float4::Equal(a, b); }
+    bool operator()(float a, float b) const { return a == b; }
+};
+
+/// @return a bit for each pixel that passes
+template <class Passes> uint64_t CompareRun(const float* a, const float* b, int count) {
+    constexpr Passes passes;
+    uint64_t keep = 0;
+    int i = 0;
+    for (; i + 4 <= count; i += 4) {
+        keep |= uint64_t(passes(Float4::Load(a + i), Float4::Load(b + i))) << i;
     }
-    return any;
+    for (; i < count; i++) {
+        keep |= uint64_t(passes(a[i], b[i])) << i;
+    }
+    return keep;
 }
 
-/// @return whether any pixel passes
-bool TestDepths(cDepthFunc::Enum func, const float* z, const float* depths, int count, bool* keep) {
+uint64_t TestDepths(cDepthFunc::Enum func, const float* z, const float* depths, int count) {
     switch (func) {
     case cDepthFunc::Never:
-        return false;
+        return 0;
     case cDepthFunc::Less:
-        return CompareRun(z, depths, count, keep, std::less<float>());
+        return CompareRun<Less>(z, depths, count);
     case cDepthFunc::Equal:
-        return CompareRun(z, depths, count, keep, std::equal_to<float>());
+        return CompareRun<Equal>(z, depths, count);
     case cDepthFunc::LessEqual:
-        return CompareRun(z, depths, count, keep, std::less_equal<float>());
+        return CompareRun<LessEqual>(z, depths, count);
     case cDepthFunc::Greater:
-        return CompareRun(z, depths, count, keep, std::greater<float>());
+        return CompareRun<Less>(depths, z, count);
     case cDepthFunc::NotEqual:
-        return CompareRun(z, depths, count, keep, std::not_equal_to<float>());
+        return CompareRun<Equal>(z, depths, count) ^ cSoftwareMerge::AllOf(count);
     case cDepthFunc::GreaterEqual:
-        return CompareRun(z, depths, count, keep, std::greater_equal<float>());
+        return CompareRun<LessEqual>(depths, z, count);
     case cDepthFunc::Always:
     case cDepthFunc::Count:
         break;
     }
-    std::fill_n(keep, count, true);
-    return true;
+    return cSoftwareMerge::AllOf(count);
+}
+
+/// Whole numbers below 1 << 24, rounded down.
+int Floor(float v) {
+    const int whole = int(v);
+    return whole - (v < float(whole));
 }
 
 } // namespace
@@ -108,9 +129,17 @@ private:
     int m_X, m_Step;
 };
 
-void cSoftwareRaster::Begin(const State& state) {
+void cSoftwareRaster::Begin(const State& state, int y0, int y1) {
     m_State = state;
+    m_State.Clip.Y0 = std::max(state.Clip.Y0, y0);
+    m_State.Clip.Y1 = std::min(state.Clip.Y1, y1);
+    m_Stage = state.Shader->GetPixelStage();
     m_Merge.Begin(state.Surface, state.Blend);
+    const bool isCommon = m_Stage == cSoftwareShader::PixelStage::Color && m_Merge.IsPlain() && m_State.Depths;
+    m_ColorRow = !isCommon || !state.Depth.Test              ? nullptr
+                 : state.Depth.Func == cDepthFunc::Less      ? &cSoftwareRaster::ColorRow<Less>
+                 : state.Depth.Func == cDepthFunc::LessEqual ? &cSoftwareRaster::ColorRow<LessEqual>
+                                                             : nullptr;
     m_Guard[0] = 2 * MaxPlace / state.View.Width;
     m_Guard[1] = 2 * MaxPlace / state.View.Height;
     if (!state.Depth.Test && !state.Depth.Write) {
@@ -193,37 +222,41 @@ int cSoftwareRaster::ClipPolygon(unsigned planes) {
     return count;
 }
 
-bool cSoftwareRaster::ClipLine(const Vertex& a, const Vertex& b, Vertex* from, Vertex* to) const {
+/// @param vertices, ends  receive the two ends. @return whether there is anything to draw
+bool cSoftwareRaster::ClipLine(const Corner& a, const Corner& b, Vertex* vertices, Corner* ends) const {
     const int varyings = m_State.Shader->GetVaryingCount();
-    *from = a;
-    *to = b;
+    vertices[0] = *a.From;
+    vertices[1] = *b.From;
     for (int plane = 0; plane < s_ClipPlanes; plane++) {
-        const float da = Distance(*from, plane), db = Distance(*to, plane);
+        const float da = Distance(vertices[0], plane), db = Distance(vertices[1], plane);
         if (!(da >= 0) && !(db >= 0)) {
             return false;
         }
         if (!(da >= 0)) {
-            *from = Cut(*to, *from, db, da, varyings);
+            vertices[0] = Cut(vertices[1], vertices[0], db, da, varyings);
         } else if (!(db >= 0)) {
-            *to = Cut(*from, *to, da, db, varyings);
+            vertices[1] = Cut(vertices[0], vertices[1], da, db, varyings);
         }
     }
-    return true;
+    Place(vertices[0], &ends[0]);
+    Place(vertices[1], &ends[1]);
+    return !(ends[0].Out | ends[1].Out);
 }
 
 void cSoftwareRaster::Place(const Vertex& v, Corner* out) const {
-    const cVec4& p = v.Clip;
-    const float x = m_State.View.X + (p.x / p.w * 0.5f + 0.5f) * m_State.View.Width;
-    const float y = m_State.View.Y + (p.y / p.w * 0.5f + 0.5f) * m_State.View.Height;
+    float p[4];
+    (Float4::Load(v.Clip) / Float4::All(v.Clip.w)).Store(p);
+    const float x = m_State.View.X + (p[0] * 0.5f + 0.5f) * m_State.View.Width;
+    const float y = m_State.View.Y + (p[1] * 0.5f + 0.5f) * m_State.View.Height;
     constexpr float limit = 4 * MaxPlace; // clipping keeps to 3 of them, but for rounding
     if (!(std::fabs(x) < limit && std::fabs(y) < limit)) {
         out->Out = s_NotFinite;
         return;
     }
-    out->X = int(std::floor(x * s_One + 0.5f));
-    out->Y = int(std::floor(y * s_One + 0.5f));
-    out->Z = p.z / p.w;
-    out->InvW = 1 / p.w;
+    out->X = Floor(x * s_One + 0.5f);
+    out->Y = Floor(y * s_One + 0.5f);
+    out->Z = p[2];
+    out->InvW = 1 / v.Clip.w;
     out->From = &v;
     out->Out = 0;
 }
@@ -247,30 +280,30 @@ void cSoftwareRaster::Point(const Corner& a) {
     std::fill_n(m_Grad, 4, 0.0f);
     m_RefX = a.X;
     m_RefY = a.Y;
-    SetPlanes(&a, 1);
+    SetPlanes(a, a, a);
     Run(a.Y >> 8, a.X >> 8, (a.X >> 8) + 1);
 }
 
-bool cSoftwareRaster::Line(const Corner& a, const Corner& b, bool skipFirst) {
+bool cSoftwareRaster::HasLine(const Corner& a, const Corner& b) const {
     if ((a.Out & b.Out) || ((a.Out | b.Out) & s_NotFinite)) {
         return false;
     }
+    Vertex vertices[2];
+    Corner ends[2];
+    return !(a.Out | b.Out) || ClipLine(a, b, vertices, ends);
+}
+
+void cSoftwareRaster::Line(const Corner& a, const Corner& b, bool skipFirst) {
+    if ((a.Out & b.Out) || ((a.Out | b.Out) & s_NotFinite)) {
+        return;
+    }
+    Vertex vertices[2];
+    Corner ends[2];
     if (!(a.Out | b.Out)) {
         DrawLine(a, b, skipFirst);
-        return true;
+    } else if (ClipLine(a, b, vertices, ends)) {
+        DrawLine(ends[0], ends[1], skipFirst && !a.Out);
     }
-    Vertex from, to;
-    Corner ends[2];
-    if (!ClipLine(*a.From, *b.From, &from, &to)) {
-        return false;
-    }
-    Place(from, &ends[0]);
-    Place(to, &ends[1]);
-    if (ends[0].Out | ends[1].Out) {
-        return false;
-    }
-    DrawLine(ends[0], ends[1], skipFirst && !a.Out);
-    return true;
 }
 
 /// Bresenham's line between pixels, from the lower end to the upper one of the longer axis: its way back is the same.
@@ -287,8 +320,8 @@ void cSoftwareRaster::DrawLine(const Corner& a, const Corner& b, bool skipFirst)
     if (length > 0) {
         m_Grad[major == 0 ? 0 : 2] = 1 / float((major == 0 ? dx : dy) * (near == 0 ? 1 : -1));
     }
-    const Corner corners[2] = {near == 0 ? a : b, near == 0 ? b : a};
-    SetPlanes(corners, 2);
+    const Corner &reference = near == 0 ? a : b, &other = near == 0 ? b : a;
+    SetPlanes(reference, other, reference);
 
     const int low = ends[0][major] <= ends[1][major] ? 0 : 1, first = ends[low][major];
     const int minor = ends[low][1 - major], slope = ends[1 - low][1 - major] - minor;
@@ -400,8 +433,7 @@ void cSoftwareRaster::Fill(const Corner& first, const Corner& second, const Corn
     m_Grad[3] = float(x1) * scale;
     m_RefX = a.X;
     m_RefY = a.Y;
-    const Corner corners[3] = {a, b, c};
-    SetPlanes(corners, 3);
+    SetPlanes(a, b, c);
 
     const bool isLongLeft =
         int64_t(v[1]->X - v[0]->X) * (v[2]->Y - v[0]->Y) > int64_t(v[1]->Y - v[0]->Y) * (v[2]->X - v[0]->X);
@@ -419,66 +451,67 @@ void cSoftwareRaster::Fill(const Corner& first, const Corner& second, const Corn
 
 // Values over a primitive
 
-template <class T> cSoftwareRaster::Plane<T> cSoftwareRaster::Solve(const T* values, int count) const {
-    const T e1 = count > 1 ? values[1] - values[0] : T(), e2 = count > 2 ? values[2] - values[0] : T();
-    return {values[0], e1 * m_Grad[0] + e2 * m_Grad[1], e1 * m_Grad[2] + e2 * m_Grad[3]};
+/// Through the values at three corners.
+template <class T> cSoftwareRaster::Plane<T> cSoftwareRaster::Solve(T a, T b, T c, const T (&grad)[4]) {
+    const T e1 = b - a, e2 = c - a;
+    return {a, e1 * grad[0] + e2 * grad[1], e1 * grad[2] + e2 * grad[3]};
 }
 
-/// The corner of the reference comes first.
-void cSoftwareRaster::SetPlanes(const Corner* corners, int count) {
+/// The corner of the reference comes first, and again in place of those that a line and a point have not.
+void cSoftwareRaster::SetPlanes(const Corner& a, const Corner& b, const Corner& c) {
     const int varyings = m_State.Shader->GetVaryingCount();
+    const auto isLikeFirst = [&](const Corner& other) {
+        return std::memcmp(other.From->Varyings, a.From->Varyings, sizeof(cVec4) * size_t(varyings)) == 0;
+    };
     m_HasColor = false;
-    m_IsFlat = m_State.Shader->GetPixelStage() != cSoftwareShader::PixelStage::Own;
-    m_IsAffine = true;
-    float z[3] = {}, invW[3] = {};
-    for (int i = 0; i < count; i++) {
-        z[i] = corners[i].Z;
-        invW[i] = corners[i].InvW;
-        m_IsAffine = m_IsAffine && invW[i] == invW[0];
-        m_IsFlat = m_IsFlat && std::memcmp(corners[i].From->Varyings, corners[0].From->Varyings,
-                                           sizeof(cVec4) * size_t(varyings)) == 0;
-    }
+    m_IsFlat = m_Stage != cSoftwareShader::PixelStage::Own && isLikeFirst(b) && isLikeFirst(c);
+    m_IsAffine = a.InvW == b.InvW && a.InvW == c.InvW;
     if (m_State.Depths) {
-        m_Z = Solve(z, count);
+        m_Z = Solve(a.Z, b.Z, c.Z, m_Grad);
     }
     if (m_IsFlat) {
         for (int k = 0; k < varyings; k++) {
-            m_Varyings[k].Value = corners[0].From->Varyings[k];
+            m_Varyings[k].Value = Float4::Load(a.From->Varyings[k]);
         }
         return;
     }
-    m_InvW = Solve(invW, count);
-    m_LeastInvW = *std::min_element(invW, invW + count);
-    m_MostInvW = *std::max_element(invW, invW + count);
+    m_InvW = Solve(a.InvW, b.InvW, c.InvW, m_Grad);
+    m_LeastInvW = std::min({a.InvW, b.InvW, c.InvW});
+    m_MostInvW = std::max({a.InvW, b.InvW, c.InvW});
+    const Float4 grad[] = {Float4::All(m_Grad[0]), Float4::All(m_Grad[1]), Float4::All(m_Grad[2]),
+                           Float4::All(m_Grad[3])};
     for (int k = 0; k < varyings; k++) {
-        cVec4 values[3] = {};
-        for (int i = 0; i < count; i++) {
-            values[i] = corners[i].From->Varyings[k] * (m_IsAffine ? 1.0f : invW[i]);
-        }
-        m_Varyings[k] = Solve(values, count);
+        const auto value = [&](const Corner& corner) {
+            return Float4::Load(corner.From->Varyings[k]) * Float4::All(m_IsAffine ? 1.0f : corner.InvW);
+        };
+        m_Varyings[k] = Solve(value(a), value(b), value(c), grad);
     }
+}
+
+/// w of four pixels by its inverse, which on a sliver may leave the range of the corners, and even reach 0.
+Float4 cSoftwareRaster::PerspectiveAt(Float4 inverse) const {
+    return Float4::All(1) / Float4::Min(Float4::Max(inverse, Float4::All(m_LeastInvW)), Float4::All(m_MostInvW));
 }
 
 /// Leaves the varyings in the span; for `PixelStage::Color` the colours.
 void cSoftwareRaster::Interpolate(int y, int x0, int count) {
     const float dy = CentreFrom(y, m_RefY);
-    const bool isColor = m_State.Shader->GetPixelStage() == cSoftwareShader::PixelStage::Color;
+    const bool isColor = m_Stage == cSoftwareShader::PixelStage::Color;
     const int varyings = isColor ? 1 : m_State.Shader->GetVaryingCount();
     m_Span.X = x0;
     m_Span.Y = y;
     m_Span.Count = count;
     const float first = CentreFrom(x0, m_RefX); // exact, and so are the whole numbers that are added to it
-    float w[cSoftwareShader::Span::MaxCount];
+    alignas(16) float w[cSoftwareShader::Span::MaxCount];
     if (!m_IsAffine) {
-        const float row = m_InvW.Value + m_InvW.Dy * dy;
-        for (int i = 0; i < count; i++) {
-            // On a sliver the plane may leave the range of its corners, and even reach 0.
-            w[i] = 1 / std::clamp(row + m_InvW.Dx * (first + float(i)), m_LeastInvW, m_MostInvW);
+        const Float4 row = Float4::All(m_InvW.Value + m_InvW.Dy * dy), dx = Float4::All(m_InvW.Dx);
+        for (int i = 0; i < count; i += 4) { // up to the end of the array
+            PerspectiveAt(row + dx * (Float4::All(first + float(i)) + s_Steps)).Store(&w[i]);
         }
     }
     for (int k = 0; k < varyings; k++) {
-        const Float4 row = Float4::Load(m_Varyings[k].Value) + Float4::Load(m_Varyings[k].Dy) * Float4::All(dy);
-        const Float4 dx = Float4::Load(m_Varyings[k].Dx), one = Float4::All(1);
+        const Float4 row = m_Varyings[k].Value + m_Varyings[k].Dy * Float4::All(dy);
+        const Float4 dx = m_Varyings[k].Dx, one = Float4::All(1);
         cVec4* out = isColor ? m_Span.Colors : m_Span.Varyings[k];
         Float4 x = Float4::All(first);
         if (m_IsAffine) {
@@ -508,7 +541,7 @@ void cSoftwareRaster::Run(int y, int x0, int x1) {
         m_Span.Y = y;
         m_Span.Count = 1;
         for (int k = 0; k < m_State.Shader->GetVaryingCount(); k++) {
-            m_Span.Varyings[k][0] = m_Varyings[k].Value;
+            m_Varyings[k].Value.Store(&m_Span.Varyings[k][0]);
         }
         m_State.Shader->Pixels(m_Span);
         m_Color = m_Span.Colors[0];
@@ -518,45 +551,119 @@ void cSoftwareRaster::Run(int y, int x0, int x1) {
         m_Merge.Fill(x0, y, x1 - x0, m_Color);
         return;
     }
+    if (m_ColorRow && !m_IsFlat) {
+        return (this->*m_ColorRow)(y, x0, x1);
+    }
     for (int x = x0; x < x1; x += cSoftwareShader::Span::MaxCount) {
         Piece(y, x, std::min(x1 - x, cSoftwareShader::Span::MaxCount));
     }
 }
 
+/// What `Piece` does, in one go, for the commonest of all: interpolated colours that replace what is there.
+template <class Passes> void cSoftwareRaster::ColorRow(int y, int x0, int x1) {
+    constexpr Passes passes;
+    const float dy = CentreFrom(y, m_RefY), first = CentreFrom(x0, m_RefX);
+    const auto rowOf = [dy](const Plane<float>& plane) { return Float4::All(plane.Value + plane.Dy * dy); };
+    const Float4 depthRow = rowOf(m_Z), depthDx = Float4::All(m_Z.Dx);
+    const Float4 inverseRow = rowOf(m_InvW), inverseDx = Float4::All(m_InvW.Dx);
+    const Float4 row = m_Varyings[0].Value + m_Varyings[0].Dy * Float4::All(dy), dx = m_Varyings[0].Dx;
+    unsigned* target = m_State.Surface.Bytes + size_t(y) * size_t(m_State.Surface.Width) + size_t(x0);
+    float* depths = m_State.Depths + size_t(y) * size_t(m_State.DepthPitch) + size_t(x0);
+    for (int left = x1 - x0, i = 0; left > 0; left -= 4, i += 4) {
+        const Float4 x = Float4::All(first + float(i)) + s_Steps, z = depthRow + depthDx * x;
+        int keep;
+        if (left >= 4) {
+            keep = passes(z, Float4::Load(depths + i));
+        } else {
+            float old[4] = {};
+            std::copy_n(depths + i, left, old); // what lies behind may be another thread's
+            keep = passes(z, Float4::Load(old)) & ((1 << left) - 1);
+        }
+        if (keep == 0) {
+            continue;
+        }
+        Float4 c[4] = {row + dx * x.Spread<0>(), row + dx * x.Spread<1>(), row + dx * x.Spread<2>(),
+                       row + dx * x.Spread<3>()};
+        if (!m_IsAffine) {
+            const Float4 w = PerspectiveAt(inverseRow + inverseDx * x);
+            c[0] = c[0] * w.Spread<0>();
+            c[1] = c[1] * w.Spread<1>();
+            c[2] = c[2] * w.Spread<2>();
+            c[3] = c[3] * w.Spread<3>();
+        }
+        unsigned bytes[4];
+        float deep[4];
+        Float4::ToBytes(c[0], c[1], c[2], c[3], keep == 15 ? target + i : bytes);
+        z.Store(keep == 15 && m_State.Depth.Write ? depths + i : deep);
+        for (int k = 0; k < 4 && keep != 15; k++) {
+            if (keep >> k & 1) {
+                target[i + k] = bytes[k];
+                depths[i + k] = m_State.Depth.Write ? deep[k] : depths[i + k];
+            }
+        }
+    }
+}
+
 void cSoftwareRaster::Piece(int y, int x0, int count) {
+    const uint64_t all = cSoftwareMerge::AllOf(count);
+    uint64_t keep = all;
     float z[cSoftwareShader::Span::MaxCount];
     float* depths = nullptr;
     if (m_State.Depths) {
         depths = m_State.Depths + size_t(y) * size_t(m_State.DepthPitch) + size_t(x0);
         const Float4 row = Float4::All(m_Z.Value + m_Z.Dy * CentreFrom(y, m_RefY)), dx = Float4::All(m_Z.Dx);
-        const Float4 steps = Float4::Load(cVec4(0, 1, 2, 3));
         const float first = CentreFrom(x0, m_RefX);
         for (int i = 0; i < count; i += 4) { // up to the end of the array
-            (row + dx * (Float4::All(first + float(i)) + steps)).Store(&z[i]);
+            (row + dx * (Float4::All(first + float(i)) + s_Steps)).Store(&z[i]);
+        }
+        keep = m_State.Depth.Test ? TestDepths(m_State.Depth.Func, z, depths, count) : all;
+        if (keep == 0) {
+            return;
         }
     }
-    if (!depths || !m_State.Depth.Test) {
-        std::fill_n(m_Span.Keep, count, true);
-    } else if (!TestDepths(m_State.Depth.Func, z, depths, count, m_Span.Keep)) {
-        return;
-    }
-    if (m_IsFlat) {
-        std::fill_n(m_Span.Colors, count, m_Color);
+    if (m_IsFlat && keep == all) {
+        m_Merge.Fill(x0, y, count, m_Color);
     } else {
-        Interpolate(y, x0, count);
-        if (m_State.Shader->GetPixelStage() != cSoftwareShader::PixelStage::Color) {
-            m_State.Shader->Pixels(m_Span);
+        if (m_IsFlat) {
+            std::fill_n(m_Span.Colors, count, m_Color);
+        } else {
+            Interpolate(y, x0, count);
+            keep = Shade(keep);
         }
+        m_Merge.Write(x0, y, count, m_Span.Colors, keep);
     }
-    const bool isWhole = std::find(m_Span.Keep, m_Span.Keep + count, false) == m_Span.Keep + count;
-    m_Merge.Write(x0, y, count, m_Span.Colors, isWhole ? nullptr : m_Span.Keep);
-    if (depths && m_State.Depth.Write && isWhole) {
+    if (depths && m_State.Depth.Write && keep == all) {
         std::copy_n(z, count, depths);
     } else if (depths && m_State.Depth.Write) {
         for (int i = 0; i < count; i++) {
-            depths[i] = m_Span.Keep[i] ? z[i] : depths[i];
+            depths[i] = keep >> i & 1 ? z[i] : depths[i];
         }
     }
+}
+
+/// Colours of the span. @return the pixels that are kept, out of `keep`
+uint64_t cSoftwareRaster::Shade(uint64_t keep) {
+    if (m_Stage == cSoftwareShader::PixelStage::Color) {
+        return keep;
+    }
+    if (m_Stage == cSoftwareShader::PixelStage::Plain) {
+        m_State.Shader->Pixels(m_Span);
+        return keep;
+    }
+    const uint64_t all = cSoftwareMerge::AllOf(m_Span.Count);
+    std::fill_n(m_Span.Keep, m_Span.Count, true);
+    for (uint64_t out = keep ^ all; out; out &= out - 1) {
+        m_Span.Keep[std::countr_zero(out)] = false;
+    }
+    m_State.Shader->Pixels(m_Span);
+    if (!std::memchr(m_Span.Keep, false, size_t(m_Span.Count))) {
+        return all;
+    }
+    uint64_t left = 0;
+    for (int i = 0; i < m_Span.Count; i++) {
+        left |= uint64_t(m_Span.Keep[i]) << i;
+    }
+    return left;
 }
 
 } // namespace trellis

@@ -9,6 +9,7 @@
 //     point     its pixel
 #pragma once
 
+#include "host/Float4.h"
 #include "host/cSoftwareMerge.h"
 #include "host/cSoftwareShader.h"
 #include "render/cCullMode.h"
@@ -51,7 +52,8 @@ public:
 
     static constexpr float MaxPlace = 16384; ///< Of a viewport's corner in either direction, and of its sides.
 
-    void Begin(const State& state);
+    /// Draws from now on the rows from `y0` to before `y1` of it.
+    void Begin(const State& state, int y0 = 0, int y1 = int(MaxPlace));
 
     /// A vertex on the screen.
     struct Corner {
@@ -66,13 +68,13 @@ public:
 
     // Vertices that are not finite draw nothing.
     void Point(const Corner& a);
-    /// @param skipFirst  without the pixel of `a`. @return whether there was anything of the line to draw
-    bool Line(const Corner& a, const Corner& b, bool skipFirst);
+    bool HasLine(const Corner& a, const Corner& b) const; ///< Whether there is anything of the line to draw, anywhere.
+    void Line(const Corner& a, const Corner& b, bool skipFirst); ///< @param skipFirst  without the pixel of `a`
     void Triangle(const Corner& a, const Corner& b, const Corner& c);
 
 private:
     static constexpr int s_ClipPlanes = 7;
-    static_assert(cSoftwareShader::Span::MaxCount % 4 == 0, "depths go by fours");
+    static_assert(cSoftwareShader::Span::MaxCount == cSoftwareMerge::MaxRun, "a bit for each pixel");
     static constexpr int s_MaxCorners = 16; // a plane adds one to three, and more when rounding has bent the outline
 
     template <class T> struct Plane { // value + dx * (pixels right of the reference) + dy * (pixels above it)
@@ -83,20 +85,25 @@ private:
     float Distance(const Vertex& v, int plane) const;
     unsigned OutCode(const Vertex& v) const;
     int ClipPolygon(unsigned planes);
-    bool ClipLine(const Vertex& a, const Vertex& b, Vertex* from, Vertex* to) const;
+    bool ClipLine(const Corner& a, const Corner& b, Vertex* vertices, Corner* ends) const;
     void Place(const Vertex& v, Corner* out) const;
 
     bool IsCulled(double area) const;
     void Fill(const Corner& first, const Corner& second, const Corner& third);
     void DrawLine(const Corner& a, const Corner& b, bool skipFirst);
-    void SetPlanes(const Corner* corners, int count);
-    template <class T> Plane<T> Solve(const T* values, int count) const;
+    void SetPlanes(const Corner& a, const Corner& b, const Corner& c);
+    template <class T> static Plane<T> Solve(T a, T b, T c, const T (&grad)[4]);
 
     void Run(int y, int x0, int x1);
     void Piece(int y, int x0, int count);
     void Interpolate(int y, int x0, int count);
+    uint64_t Shade(uint64_t keep);
+    Float4 PerspectiveAt(Float4 inverse) const;
+    template <class Passes> void ColorRow(int y, int x0, int x1);
 
     State m_State;
+    cSoftwareShader::PixelStage m_Stage = cSoftwareShader::PixelStage::Own; // of its shader
+    void (cSoftwareRaster::*m_ColorRow)(int y, int x0, int x1) = nullptr;   // null where only `Piece` will do
     cSoftwareMerge m_Merge;
     float m_Guard[2] = {}; // how far beyond the viewport a corner may lie, in its halves
 
@@ -107,7 +114,7 @@ private:
     Plane<float> m_Z = {}, m_InvW = {};
     float m_LeastInvW = 0, m_MostInvW = 0;
     bool m_IsAffine = true, m_IsFlat = true, m_HasColor = false;
-    Plane<cVec4> m_Varyings[cSoftwareShader::MaxVaryings] = {};
+    Plane<Float4> m_Varyings[cSoftwareShader::MaxVaryings] = {};
     cVec4 m_Color; // of a flat primitive, once `m_HasColor`
     cSoftwareShader::Span m_Span;
 };

@@ -152,6 +152,10 @@ cSoftwareShader::Factory cSoftwareShader::Find(const char* name) {
     return index >= 0 ? Registry()[index].Make : nullptr;
 }
 
+size_t cSoftwareShader::SizeOf(const Const& c) {
+    return size_t(c.Count) * size_t(s_Floats[int(c.Type)]) * sizeof(float);
+}
+
 void cSoftwareShader::Declare(const char* name, Kind kind, void* values, int count) {
     const int autoIndex = cRender::AutoConst::FromString(name);
     assert(autoIndex < 0 || (s_AutoKinds[autoIndex] == kind && count == 1));
@@ -182,6 +186,29 @@ void cSoftwareShader::SetConst(int index, Kind kind, const void* values, int cou
         *static_cast<float*>(target.Values) = float(*static_cast<const int*>(values));
     } else if (target.Type == Kind::Int && kind == Kind::Float && count == 1) {
         *static_cast<int*>(target.Values) = cMath::TruncateToInt(*static_cast<const float*>(values));
+    }
+}
+
+bool cSoftwareShader::HasValuesOf(const cSoftwareShader& other) const {
+    for (int i = 0; i < m_Consts.Count(); i++) {
+        if (std::memcmp(m_Consts[i].Values, other.m_Consts[i].Values, SizeOf(m_Consts[i])) != 0) {
+            return false;
+        }
+    }
+    for (int i = 0; i < Samplers.Count(); i++) {
+        if (*Samplers[i].Slot != *other.Samplers[i].Slot) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void cSoftwareShader::CopyValuesOf(const cSoftwareShader& other) {
+    for (int i = 0; i < m_Consts.Count(); i++) {
+        std::memcpy(m_Consts[i].Values, other.m_Consts[i].Values, SizeOf(m_Consts[i]));
+    }
+    for (int i = 0; i < Samplers.Count(); i++) {
+        *Samplers[i].Slot = *other.Samplers[i].Slot;
     }
 }
 

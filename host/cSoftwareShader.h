@@ -17,7 +17,8 @@ class cRect;
 
 /// One build of a shader: for one vertex format and one set of defines. A derived class declares its constants and
 /// samplers in its constructor; they are members of it, and have their values when the two stages are called. The
-/// stages belong to the rendering thread, change no member, and write no memory but their results.
+/// stages change no member, and write no memory but their results: `Pixels` runs on several threads at once, and later
+/// than the call that it belongs to, on another instance of the shader, which has the constants of that call.
 class cSoftwareShader {
 public:
     static constexpr int MaxVaryings = 4;
@@ -55,7 +56,8 @@ public:
         Color, ///< The colour is the first varying, `Pixels` need not be called.
     };
 
-    /// Makes a shader for a vertex format. @param defines  never null. @return null when it cannot
+    /// Makes a shader for a vertex format, and as often as it is asked. @param defines  never null
+    /// @return null when it cannot
     using Factory = std::unique_ptr<cSoftwareShader> (*)(const Layout& layout, const char* defines);
 
     /// Adds or replaces a shader; the name must be a literal. Devices register the built-in ones by themselves, unless
@@ -86,6 +88,11 @@ public:
     /// Fills what `cRender::AutoConst` names, from the front end and its viewer. Without a viewer the world is clip
     /// space, and points are pixels of the viewport.
     void SetAutoConsts(const cRect& viewport);
+
+    // Values, between two of the same factory, format and defines
+
+    bool HasValuesOf(const cSoftwareShader& other) const; ///< The same constants and what samplers read, bit by bit.
+    void CopyValuesOf(const cSoftwareShader& other);
 
     struct Sampler {
         cStr Name;
@@ -118,6 +125,7 @@ private:
     };
 
     void Declare(const char* name, Kind kind, void* values, int count);
+    static size_t SizeOf(const Const& c);
 
     cList<Const> m_Consts;
     int m_VaryingCount;

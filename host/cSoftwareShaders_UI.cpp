@@ -1,4 +1,5 @@
 // The shaders of the interface: gradients, textures, icons and text, in points of the screen.
+#include "host/Float4.h"
 #include "host/cSoftwareShaders.h"
 
 #include <algorithm>
@@ -8,10 +9,6 @@
 namespace trellis {
 
 namespace {
-
-float Clamp01(float v) {
-    return std::clamp(v, 0.0f, 1.0f);
-}
 
 /// Whether the defines hold a name as a line of its own: "SRC_1D" is not in "#define SRC_1DX".
 bool Defines(const char* defines, const char* name) {
@@ -52,7 +49,7 @@ private:
 /// that a swollen button is the same shape, only larger.
 class PositionShader : public InterfaceShader {
 public:
-    explicit PositionShader(const Layout& layout) : InterfaceShader(layout, 1, PixelStage::Own) {}
+    explicit PositionShader(const Layout& layout) : InterfaceShader(layout, 1, PixelStage::Plain) {}
     void Vertices(const unsigned char* vertices, int count, Vertex* out) const override {
         Transform(vertices, count, out,
                   [](const cVec3& pos, const unsigned char*, cVec4* v) { v[0] = cVec4(pos.x, pos.y, 0, 0); });
@@ -67,10 +64,11 @@ public:
         Declare("c_Color1", &m_Colors[1]);
     }
     void Pixels(Span& span) const override {
+        const Float4 origin = Float4::Load(cVec4(m_Orig.x, m_Orig.y, 0, 0));
         for (int i = 0; i < span.Count; i++) {
-            const cVec4& at = span.Varyings[0][i];
-            const float sum = std::floor(at.x - m_Orig.x) + std::floor(at.y - m_Orig.y);
-            span.Colors[i] = m_Colors[std::fmod(sum, 2.0f) != 0];
+            int x, y;
+            (Float4::Load(span.Varyings[0][i]) - origin).Split(&x, &y);
+            span.Colors[i] = m_Colors[(x + y) & 1];
         }
     }
 
@@ -99,45 +97,67 @@ public:
         Declare("c_HalfFlat", &m_HalfFlat);
     }
     void Pixels(Span& span) const override {
-        if (m_HalfFlat > 0) {
-            Cave(span);
-        } else {
-            Segment(span);
+        const bool isCave = m_HalfFlat > 0;
+        const Float4 base = Float4::Load(isCave ? m_BoundColor : m_CenterColor);
+        const Float4 rest = Float4::Load(isCave ? m_CenterColor : m_BoundColor) - base;
+        const Float4 half = Float4::All(0.5f), inner = Float4::All(m_SegRadius), outer = Float4::All(m_GradRadius);
+        Float4 last = Float4::All(NAN);
+        float mix[4], share[4];
+        for (int i = 0; i < span.Count; i += 4) { // up to the end of the arrays
+            Float4 x, y;
+            Float4::Columns(&span.Varyings[0][i], &x, &y);
+            const Float4 d = isCave ? CaveDistance(x, y) : SegmentDistance(x, y);
+            if (Float4::Equal(d, last) != 15) { // along a bar they stay the same
+                const Float4 fromInner = d - inner;
+                Amount(fromInner, isCave ? m_GradRadius : m_GradRadius - m_SegRadius).Store(mix);
+                ((isCave ? fromInner : outer - d) + half).Clamped().Store(share);
+                last = d;
+            }
+            for (int k = 0; k < 4; k++) {
+                (base + rest * Float4::All(mix[k])).Store(&span.Colors[i + k]);
+                span.Colors[i + k].w *= share[k];
+            }
         }
     }
 
 private:
-    static float Distance(const cVec2& a, const cVec2& b) { return std::hypot(b.x - a.x, b.y - a.y); }
-
-    /// The amount of the second colour at an even share of the way. @param width  of the way, above 0 to be one
-    float Mix(float way, float width) const {
-        const float t = width > 0 ? Clamp01(way / width) : way > 0 ? 1.0f : 0.0f;
-        return m_Power == 1 ? t : std::pow(t, m_Power);
-    }
-
-    void Segment(Span& span) const {
+    Float4 SegmentDistance(Float4 x, Float4 y) const {
         const cVec2 along = m_SegTo - m_SegFrom;
+        const Float4 fromX = Float4::All(m_SegFrom.x), fromY = Float4::All(m_SegFrom.y);
+        const Float4 alongX = Float4::All(along.x), alongY = Float4::All(along.y);
         const float lengthSq = m_Horizontal ? along.x * along.x : cVec2::Dot(along, along);
-        for (int i = 0; i < span.Count; i++) {
-            const cVec2 at(span.Varyings[0][i].x, span.Varyings[0][i].y);
-            const cVec2 from = at - m_SegFrom;
-            const float along1 = m_Horizontal ? from.x * along.x : cVec2::Dot(from, along);
-            const float t = lengthSq > 0 ? Clamp01(along1 / lengthSq) : 0;
-            const cVec2 foot = m_Horizontal ? cVec2(m_SegFrom.x + along.x * t, m_SegFrom.y) : m_SegFrom + along * t;
-            const float d = Distance(at, foot);
-            const float mix = Mix(d - m_SegRadius, m_GradRadius - m_SegRadius);
-            span.Colors[i] = m_CenterColor + (m_BoundColor - m_CenterColor) * mix;
-            span.Colors[i].w *= Clamp01(m_GradRadius - d + 0.5f);
+        const Float4 shadow = (x - fromX) * alongX;
+        Float4 t = Float4::All(0);
+        if (lengthSq > 0) {
+            t = ((m_Horizontal ? shadow : shadow + (y - fromY) * alongY) / Float4::All(lengthSq)).Clamped();
         }
+        return Float4::Length(fromX + alongX * t - x, (m_Horizontal ? fromY : fromY + alongY * t) - y);
+    }
+    Float4 CaveDistance(Float4 x, Float4 y) const {
+        const auto to = [&](const cVec2& p) { return Float4::Length(Float4::All(p.x) - x, Float4::All(p.y) - y); };
+        return Float4::Min(to(m_CaveTo), to(m_CaveFrom));
     }
 
-    void Cave(Span& span) const {
-        for (int i = 0; i < span.Count; i++) {
-            const cVec2 at(span.Varyings[0][i].x, span.Varyings[0][i].y);
-            const float d = std::min(Distance(at, m_CaveFrom), Distance(at, m_CaveTo)) - m_SegRadius;
-            span.Colors[i] = m_BoundColor + (m_CenterColor - m_BoundColor) * Mix(d, m_GradRadius);
-            span.Colors[i].w *= Clamp01(d + 0.5f);
+    /// Of the second colour, at an even share of the way. @param width  of the way, above 0 to be one
+    Float4 Amount(Float4 way, float width) const {
+        const Float4 t = (width > 0 ? way / Float4::All(width) : way * Float4::All(INFINITY)).Clamped();
+        const int isBetween = Float4::Less(Float4::All(0), t) & Float4::Less(t, Float4::All(1));
+        if (m_Power == 1 || (m_Power > 0 && !isBetween)) {
+            return t;
         }
+        if (m_Power == 2) {
+            return t * t;
+        }
+        if (m_Power == 0.5f) {
+            return Float4::Sqrt(t);
+        }
+        if (m_Power > 0 && m_Power <= Float4Plain::s_MaxPower) {
+            return Float4::Pow(t, m_Power);
+        }
+        float v[4];
+        t.Store(v);
+        return Float4::Load(
+            cVec4(std::pow(v[0], m_Power), std::pow(v[1], m_Power), std::pow(v[2], m_Power), std::pow(v[3], m_Power)));
     }
 
     bool m_Horizontal;

@@ -96,6 +96,8 @@ public:
     /// Face of a direction, and its coordinates there.
     static int FaceOf(const cVec4& direction, float* u, float* v);
 
+    friend bool operator==(const cSoftwareSampler& a, const cSoftwareSampler& b) = default;
+
     const cSoftwareTexture* Texture = nullptr; ///< Has pixels during a draw call.
     State Mode;
 };

@@ -1,87 +1,172 @@
 #include "host/cWorkbenchScene.h"
 
+#include "editor/cClassExplorer.h"
+#include "files/SourceFolder.h"
 #include "files/cIO.h"
-#include "host/Daylight.h"
+#include "foundation/cLog.h"
+#include "mesh/cMaterials.h"
 #include "render/cRender.h"
+#include "view/cManipulator.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
+#include <string>
 
 namespace trellis {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool Exists(const cStr& pathName) {
+    std::error_code ignored;
+    return fs::exists(pathName.Text(), ignored);
+}
+
+/// Behind the others: what a relative name is looked up in last.
+SourceFolder& Folder() {
+    static SourceFolder* s_Folder = nullptr;
+    if (!s_Folder) {
+        s_Folder = new SourceFolder(""); // to the end of the process
+        cIO::GetSourcesMutable().Add(s_Folder);
+    }
+    return *s_Folder;
+}
+
+/// A file of that name with an extension that one of the codecs has; empty without one.
+template <class Info> cStr FindBeside(const cStr& filePn, const cList<Info>& codecs) {
+    for (const Info& codec : codecs) {
+        cStr beside = filePn;
+        beside.SetFileExtension(codec.Extension);
+        if (Exists(beside)) {
+            return beside;
+        }
+    }
+    return {};
+}
+
+} // namespace
 
 void cWorkbenchScene::RegisterMembers() {
     cClassMembers members(this);
     if (!members.Begin()) {
         return;
     }
-    members.Add<_cModelFile>(ModelFile, "ModelFile");
-    members.AddObject(Transform, "Transform");
-    members.AddSeparator("Animation");
-    members.Add<_cAnimFile>(AnimFile, "AnimFile");
-    members.Add<_cBool>(Play, "Play");
-    members.AddSeparator("Path");
-    members.AddObject(Path, "Path");
-    members.AddButton(&cWorkbenchScene::EditPath, "&cWorkbenchScene::EditPath");
+    members.AddButton<cWorkbenchScene>(&cWorkbenchScene::OpenFolder, "&cWorkbenchScene::OpenFolder");
+    members.AddButton(&cWorkbenchScene::AddModel, "&cWorkbenchScene::AddModel");
+    members.AddButton(&cWorkbenchScene::AddPath, "&cWorkbenchScene::AddPath");
+    members.AddObject(Objects, "Objects");
+    const cWorkbenchModel model; // files know a class once there has been an object of it
+    const cWorkbenchPath path;
 }
 
-bool cWorkbenchScene::IsEnabled(const char* member) {
-    return m_HasAnim || std::strcmp(member, "Play") != 0;
-}
-
-void cWorkbenchScene::EditPath() {
-    if (Path.Nodes.Count() == 0) {
-        const cVec3 points[] = {{9, 2, 0}, {0, 4, 9}, {-9, 6, 0}, {0, 7, -9}, {8, 9, -4}};
-        Path.SetFromPoints(points, int(std::size(points)));
+void cWorkbenchScene::OpenFolder() {
+    cStr folder;
+    if (cIO::SelectFolderDialog("Open Folder", "Models", &folder)) {
+        OpenFolder(folder.Text());
     }
-    Path.Edit();
 }
 
-cMat4 cWorkbenchScene::GetPlace() const {
-    const cVec3& t = Transform.Translate;
-    return cMat4::Scaling(Transform.Scale) * Transform.Rotate.ToMat4() * cMat4::Translation(t.x, t.y, t.z);
-}
-
-/// What cannot be loaded leaves nothing, and a line in the log.
-void cWorkbenchScene::LoadModel() {
-    m_LoadedModel = ModelFile;
-    m_Model.Free();
-    m_Posed.Free();
-    if (ModelFile.IsEmpty() || !cIO::LoadModel(ModelFile, &m_Model)) {
-        return;
+void cWorkbenchScene::AddModel() {
+    cStr filePn;
+    if (cIO::LoadModelDialog(&filePn)) {
+        auto* model = new cWorkbenchModel;
+        model->ModelFile = filePn;
+        model->AnimFile = FindBeside(filePn, cIO::GetAnimCodecs());
+        Append(model);
     }
-    m_Posed = m_Model;
-    if (!m_Model.Static) {
-        m_Model.GoToBindPose(&m_Posed);
-        m_Posed.Static = true;
-    }
-    m_Posed.UpdateBounds();
 }
 
-void cWorkbenchScene::LoadAnim() {
-    m_LoadedAnim = AnimFile;
-    m_HasAnim = !AnimFile.IsEmpty() && cIO::LoadAnim(AnimFile, &m_Anim);
-    m_AnimSec = 0;
+void cWorkbenchScene::AddPath() {
+    Append(new cWorkbenchPath);
+}
+
+void cWorkbenchScene::Append(cWorkbenchObject* object) {
+    cClassExplorer::ReCreateControls();
+    Objects.Add(object);
+    Select(object);
+}
+
+int cWorkbenchScene::OpenFolder(const char* folder) {
+    cStr extensions;
+    for (const cIO::ModelCodecInfo& codec : cIO::GetModelCodecs()) {
+        extensions += (extensions.IsEmpty() ? "" : ";") + codec.Extension;
+    }
+    cList<cStr> files;
+    cIO::SearchFilesRecursive(folder, &files, extensions);
+    if (files.IsEmpty()) {
+        cLog::Warning("There are no models in \"%s\".", folder);
+        return 0;
+    }
+    cClassExplorer::ReCreateControls();
+    Select(nullptr);
+    Objects.RemoveAt(0, Objects.Count());
+    SetFolder(folder);
+    const cStr materials = (fs::path(folder) / "Materials.Xml").c_str();
+    if (Exists(materials)) {
+        cClassExplorer::ReloadObject(&g_Materials, materials);
+    }
+    constexpr float Gap = 1;
+    float x = 0;
+    for (const cStr& filePn : files) {
+        auto* model = new cWorkbenchModel;
+        model->ModelFile = filePn;
+        model->AnimFile = FindBeside(filePn, cIO::GetAnimCodecs());
+        model->Play = true;
+        model->EnsureLoaded();
+        const cBounds bounds = model->GetBounds();
+        if (!bounds.IsEmpty()) {
+            model->Transform.Translate.x = std::round(x - bounds.min[0]);
+            x = model->Transform.Translate.x + bounds.max[0] + Gap;
+        }
+        Objects.Add(model);
+    }
+    SetFolder(folder);
+    ForEach([x](cWorkbenchObject* object) { object->GetTransform()->Translate.x -= std::round((x - Gap) / 2); });
+    return files.Count();
+}
+
+cStr cWorkbenchScene::GetFolder() {
+    return Folder().GetPath();
+}
+
+void cWorkbenchScene::SetFolder(const char* folder) {
+    const auto rename = [this](auto call) {
+        ForEach([&call](cWorkbenchObject* object) {
+            if (auto* model = dynamic_cast<cWorkbenchModel*>(object)) {
+                model->EnsureLoaded();
+                call(&model->ModelFile);
+                call(&model->AnimFile);
+                model->KeepLoaded();
+            }
+        });
+    };
+    const auto pathOf = [](const cStr& name) { return fs::path(Folder().GetPath().Text()) / name.Text(); };
+    rename([&](cStr* name) {
+        if (!name->IsEmpty() && !cIO::PathIsAbsolute(*name) && Exists(pathOf(*name).c_str())) {
+            *name = pathOf(*name).c_str();
+        }
+    });
+    Folder().SetPath(folder);
+    const std::string start = pathOf("").string();
+    rename([&start](cStr* name) {
+        if (std::strncmp(*name, start.c_str(), start.size()) == 0) {
+            *name = name->Text() + start.size();
+        }
+    });
 }
 
 bool cWorkbenchScene::Step(float sec) {
-    if (!(m_LoadedModel == ModelFile)) {
-        LoadModel();
+    bool isMoving = false;
+    ForEach([&](cWorkbenchObject* object) { isMoving |= object->Step(sec); });
+    if (m_Handles != g_ManipulatorsType) {
+        Select(GetSelected());
     }
-    if (!(m_LoadedAnim == AnimFile)) {
-        LoadAnim();
-    }
-    Transform.OnProcess();
-    if (!Play || !m_HasAnim || m_Model.Static) {
-        return false;
-    }
-    m_AnimSec = std::fmod(m_AnimSec + sec, std::max(float(m_Anim.GetDurationSec()), 0.01f));
-    m_Anim.SetFrame(m_AnimSec, m_Model, &m_Joints);
-    m_Model.SetAnim(m_Joints, &m_Posed);
-    return true;
+    return isMoving;
 }
 
-void cWorkbenchScene::Draw(bool grid) const {
+void cWorkbenchScene::Draw(bool grid) {
     static const int s_Depth = cRender::GetDepthStateID(true, true, cDepthFunc::LessEqual);
     cRender::SetDepthState(s_Depth);
     cRender::SetBlendState(-1);
@@ -90,11 +175,67 @@ void cWorkbenchScene::Draw(bool grid) const {
     if (grid) {
         cRender::DrawGrid({});
     }
-    cRender::SetWorldMatrix(GetPlace());
-    for (const cModel::Mesh& mesh : m_Posed.Meshes) {
-        DrawInDaylight(mesh, DaylightColorOf(mesh.MaterialName));
-    }
+    const cWorkbenchObject* selected = GetSelected();
+    ForEach([&](cWorkbenchObject* object) {
+        cRender::SetWorldMatrix(object->GetPlace());
+        object->Draw();
+        if (object == selected) {
+            cRender::DrawBounds(object->GetBounds(), cColor::Orange);
+        }
+    });
     cRender::SetWorldMatrix(cMat4::Identity);
+}
+
+cWorkbenchObject* cWorkbenchScene::Pick(const cSeg& ray) {
+    cWorkbenchObject* nearest = nullptr;
+    float least = 0;
+    ForEach([&](cWorkbenchObject* object) {
+        float distance;
+        if (object->Hit(ray, &distance) && (!nearest || distance < least)) {
+            nearest = object;
+            least = distance;
+        }
+    });
+    return nearest;
+}
+
+cWorkbenchObject* cWorkbenchScene::GetSelected() {
+    const cClass* selected = m_Selected;
+    return selected && Objects.IndexOf(selected) != -1 ? m_Selected : nullptr;
+}
+
+void cWorkbenchScene::Select(cWorkbenchObject* object) {
+    if (cWorkbenchObject* former = GetSelected(); former && former->GetTransform()) {
+        former->GetTransform()->FreeTools();
+    }
+    m_Selected = object;
+    m_Handles = g_ManipulatorsType;
+    if (object && object->GetTransform()) {
+        object->GetTransform()->CreateTools();
+    }
+}
+
+cBounds cWorkbenchScene::GetBounds() {
+    cBounds all = cBounds::Empty;
+    ForEach([&](cWorkbenchObject* object) {
+        const cBounds bounds = object->GetBounds();
+        if (!bounds.IsEmpty()) {
+            const cBounds placed = cBounds::Transform(bounds, object->GetPlace());
+            all.Add(placed.min);
+            all.Add(placed.max);
+        }
+    });
+    return all;
+}
+
+int cWorkbenchScene::GetTriangleCount() const {
+    int count = 0;
+    ForEach([&count](cWorkbenchObject* object) {
+        if (const auto* model = dynamic_cast<const cWorkbenchModel*>(object)) {
+            count += model->GetTriangleCount();
+        }
+    });
+    return count;
 }
 
 } // namespace trellis

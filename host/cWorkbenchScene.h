@@ -1,12 +1,8 @@
-// What a person works on in the workbench: a model with its place, an animation, a path. Saved as XML.
+// What a person works on in the workbench: models and paths with their places. Saved as XML.
 #pragma once
 
-#include "animation/cAnim.h"
-#include "animation/cSpline.h"
-#include "math/cBounds.h"
-#include "mesh/cModel.h"
-#include "reflection/cClassMembers.h"
-#include "view/cTransform.h"
+#include "host/cWorkbenchObject.h"
+#include "reflection/cClassList.h"
 
 namespace trellis {
 
@@ -14,34 +10,45 @@ class cWorkbenchScene : public cClass {
     TRELLIS_CLASS(cWorkbenchScene)
 
 public:
-    bool IsEnabled(const char* member) override; ///< The animation's rows need one.
+    void CustomDtor() override { m_Selected = nullptr; }
 
-    /// Once a frame: loads files whose names have changed, poses the model, holds the tools of place and path.
-    ///
-    /// @return whether the picture changes by itself
-    bool Step(float sec);
-    void Draw(bool grid) const;
-    void EditPath();
+    // Buttons
+    void OpenFolder(); ///< Asks for one.
+    void AddModel();   ///< Asks for a file.
+    void AddPath();    ///< Beside the others.
 
-    const cBounds& GetBounds() const { return m_Posed.Bounds; }
-    cMat4 GetPlace() const;
-    int GetTriangleCount() const { return m_Posed.GetTriangleCount(); }
+    /// All models of a folder in place of what is there, side by side; an animation of a model's name goes with it,
+    /// and a file "Materials.Xml" becomes the table of materials. @return how many models there are
+    int OpenFolder(const char* folder);
 
-    cStr ModelFile, AnimFile;
-    bool Play;
-    cTransform Transform;
-    cSpline Path;
+    /// The folder that names without a path of their own are looked up in, also those of textures. The files of the
+    /// scene stay the same ones; those within the folder go by short names from now on.
+    void SetFolder(const char* folder);
+    static cStr GetFolder();
+
+    bool Step(float sec); ///< Once a frame. @return whether the picture changes by itself
+    void Draw(bool grid);
+
+    cWorkbenchObject* Pick(const cSeg& ray); ///< The first one on the way, or null.
+    void Select(cWorkbenchObject* object);   ///< It gets the handles that `g_ManipulatorsType` names. Null: none.
+    cWorkbenchObject* GetSelected();
+    cBounds GetBounds(); ///< In the world.
+    int GetTriangleCount() const;
+
+    cClassList<cWorkbenchObject> Objects;
 
 private:
-    void LoadModel();
-    void LoadAnim();
+    template <class Call> void ForEach(Call call) const {
+        for (int i = 0; i < Objects.Count(); i++) {
+            if (cWorkbenchObject* object = Objects.Get(i)) {
+                call(object);
+            }
+        }
+    }
+    void Append(cWorkbenchObject* object);
 
-    cStr m_LoadedModel, m_LoadedAnim;
-    cModel m_Model, m_Posed;
-    cAnim m_Anim;
-    cList<cAnim::Joint> m_Joints;
-    float m_AnimSec = 0;
-    bool m_HasAnim = false;
+    cWorkbenchObject* m_Selected = nullptr; // compared with the objects first
+    int m_Handles = 0;                      // the type that it has
 };
 
 } // namespace trellis

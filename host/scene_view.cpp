@@ -16,6 +16,7 @@
 #include "foundation/cTimer.h"
 #include "host/Daylight.h"
 #include "host/Drops.h"
+#include "host/HandleParts.h"
 #include "host/InputScript.h"
 #include "host/Walker.h"
 #include "host/cSoftwareDevice.h"
@@ -215,28 +216,6 @@ private:
     bool m_ShowBounds = false, m_IsPlaying = false, m_IsFlying = false, m_IsWalking = false;
 };
 
-/// Where to take hold of a handle of that kind, in the world.
-bool HandleOf(const cManipulator& tool, const std::string& handle, cVec3* position) {
-    const bool isRing = dynamic_cast<const cRotateTool*>(&tool);
-    if (handle == "free") {
-        const cViewer& v = *cRender::GetViewer();
-        const cVec3 aside = (v.Right + v.Up) * -0.5f;
-        *position = isRing ? tool.Center + cVec3::Normalize(tool.Plane.normal + aside) * tool.Radius
-                           : tool.Center + aside * (tool.HasFreeInner ? 2 * tool.Radius : tool.Radius * 0.5f);
-        return true;
-    }
-    const int axis = handle == "x" ? 0 : handle == "y" ? 1 : handle == "z" ? 2 : -1;
-    if (axis == -1) {
-        return false;
-    }
-    const cSeg& along = tool.Axes[axis];
-    const cVec3& n = tool.Plane.normal; // a ring is taken where it is nearest
-    *position = isRing
-                    ? tool.Center + cVec3::Normalize(n - along.direction * cVec3::Dot(n, along.direction)) * tool.Radius
-                    : along.GetPoint(0.8f);
-    return true;
-}
-
 class Program {
 public:
     bool Play(const char* modelPn, const char* animPn, const char* scriptPn, const std::string& folder,
@@ -280,18 +259,7 @@ private:
             const auto* at = m_Scene->Path.Nodes.Get(node);
             return at && m_Viewer->WorldToClosestScreenPoint(at->EP, position);
         }
-        for (cWidget* widget : cWidgets::GetLayer(cManipulator::Layer)) {
-            auto* tool = widget ? dynamic_cast<cManipulator*>(widget) : nullptr;
-            const char* its = dynamic_cast<cMoveTool*>(widget)     ? "move"
-                              : dynamic_cast<cRotateTool*>(widget) ? "rotate"
-                                                                   : "scale";
-            cVec3 world;
-            if (tool && kind == its && tool->CalcFrame() && HandleOf(*tool, handle, &world)) {
-                m_Viewer->WorldToClosestScreenPoint(world, position);
-                return true;
-            }
-        }
-        return false;
+        return FindHandle(name, position);
     }
 
     void Frame() {

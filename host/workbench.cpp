@@ -1,25 +1,31 @@
-// The workbench: a window in which a person looks at a model, moves it, and edits everything in the class explorer.
+// The workbench: a window in which a person looks at models, moves them, and edits everything in the class explorer.
 //
-//     workbench DATA [SCENE.Xml]      DATA holds Fonts/ and Textures/
+//     workbench DATA [PATH]                                   DATA holds Fonts/ and Textures/; PATH is a scene's XML,
+//     workbench --headless --script FILE [--shot FILE]        a folder of models, or one model. Without a window a
+//               [--resolved FILE] DATA [PATH]                 script of input (InputScript.h) plays the person.
 //
-// Alt and a mouse button orbit, track and dolly; 0 to 4 choose the handles, F frames the model, F9 opens and closes the
-// class explorer, F10 the settings; P plays the animation, F12 saves "ScreenShot.bmp".
-#include "editor/cClassExplorer.h"
-#include "editor/cSettings.h"
+// Alt and a mouse button orbit, track and dolly, the left one alone selects. 0 to 4 choose the handles, F frames what
+// is selected, Delete deletes it, P pauses; F1 shows and hides the form of buttons, F9 the class explorer, F10 the
+// settings; F12 saves a picture; Control with O and S opens and saves the scene.
 #include "files/SourceFolder.h"
-#include "files/cIO.h"
-#include "foundation/cTimer.h"
+#include "foundation/cImmortal.h"
+#include "foundation/cMain.h"
 #include "host/Daylight.h"
-#include "host/HostWindow.h"
+#include "host/FormParts.h"
+#include "host/HandleParts.h"
+#include "host/InputScript.h"
 #include "host/cSoftwareDevice.h"
-#include "host/cWorkbenchScene.h"
+#include "host/cWorkbench.h"
 #include "image/cImage.h"
-#include "mesh/cMaterials.h"
 #include "render/cRender.h"
+#include "tests/foundation/FakeClock.h"
 #include "ui/cTheme.h"
 #include "ui/cWidgets.h"
-#include "view/cFreeViewer.h"
-#include "view/cManipulator.h"
+#include "view/cViewer.h"
+
+#if defined(TRELLIS_WINDOW)
+#include "host/HostWindow.h"
+#endif
 
 #include <chrono>
 #include <cstdio>
@@ -27,136 +33,141 @@
 #include <filesystem>
 #include <thread>
 
-using namespace trellis;
+namespace trellis {
 
 namespace {
 
+constexpr int s_Width = 1280, s_Height = 720;
+
 cSoftwareDevice* s_Device = nullptr; // the front end's
+cWorkbench* s_Workbench = nullptr;
+cWorkbench::Driver s_Driver;
+cImmortal<cStr> s_Title __attribute__((init_priority(300))) ("Trellis workbench");
 
-/// The scene among the widgets, behind the handles: draws it, and has the keys of the program.
-class SceneWidget : public cWidget {
-public:
-    SceneWidget(cWorkbenchScene* scene, cFreeViewer* viewer) : m_Scene(scene), m_Viewer(viewer) {}
+void Resize(int width, int height) {
+    s_Device->SetSize(width, height);
+    s_Workbench->Resize(width, height);
+}
 
-    bool OnButtonDown(int code) override {
-        if (code >= cInput::Key0 && code <= cInput::Key4) {
-            g_ManipulatorsType = code - cInput::Key0;
-            m_Scene->Transform.CreateTools();
-            return true;
-        }
-        switch (code) {
-        case cInput::F:
-            m_Viewer->Frame(m_Scene->GetBounds(), m_Scene->GetPlace(), cRect::Empty);
-            return true;
-        case cInput::P:
-            m_Scene->Play = !m_Scene->Play;
-            return true;
-        case cInput::F9:
-            cClassExplorer::ToggleClassExplorer();
-            return true;
-        case cInput::F10:
-            cClassExplorer::ToggleMainMenu();
-            return true;
-        case cInput::F12:
-            SaveShot();
-            return true;
-        }
-        return false;
-    }
-    void OnRender() override {
-        IsMoving = m_Scene->Step(cTimer::GetFrameTimeSec());
-        m_Scene->Draw(g_Settings.ShowGrid);
-    }
+bool SavePicture(const std::string& path) {
+    cImage picture;
+    cRender::ScreenShot(&picture);
+    return cIO::SaveImage(path.c_str(), picture);
+}
 
-    static inline bool IsMoving = false; ///< The picture changes by itself.
+std::string Absolute(const char* path) {
+    return path ? std::filesystem::absolute(path).string() : "";
+}
 
-private:
-    static void SaveShot() {
-        cImage picture;
-        cRender::ScreenShot(&picture);
-        cIO::SaveImage("ScreenShot.bmp", picture);
-    }
+} // namespace
 
-    cWorkbenchScene* m_Scene;
-    cFreeViewer* m_Viewer;
-};
+// ---- The hooks of the framework
 
-class Workbench {
-public:
-    explicit Workbench(const char* scenePn) {
-        cWidgets::AddWidget(m_Viewer, 0);
-        cWidgets::AddWidget(new SceneWidget(&m_Scene, m_Viewer), 0);
-        cSettings::AddToWidgets();
-        cRender::SetViewer(m_Viewer);
-        g_Settings.ShowGrid = g_Settings.ShowFps = true;
-        cClassExplorer::AddObject("Scene", &m_Scene, scenePn);
-        cClassExplorer::AddObject("Materials", &g_Materials, "");
-        cClassExplorer::AddMenuObject("Settings", &g_Settings, "");
-    }
-    ~Workbench() {
-        cClassExplorer::RemoveObject(&m_Scene);
-        m_Scene.Transform.FreeTools();
-        m_Scene.Path.FreeTools();
-        cRender::SetViewer(nullptr);
-        cWidgets::FreeAll();
-    }
+void cMain_OnPreInit() {}
+int cMain_OnSetInitialWindowSize(int* width, int* height, int*, int*) {
+    *width = s_Width;
+    *height = s_Height;
+    return 1;
+}
+void cMain_OnInit() {
+    s_Workbench = new cWorkbench(s_Driver);
+}
+void cMain_OnRender(const cRect&) {} // the scene is one of the widgets
+void cMain_OnFree() {
+    delete s_Workbench;
+    s_Workbench = nullptr;
+}
+void cMain_OnPostFree() {}
+int cMain_OnClose() {
+    return s_Workbench->MayClose();
+}
+void cMain_OnActivate() {}
+void cMain_OnCrash() {}
+void cMain_OnDrop(const char* filePn) {
+    s_Workbench->Open(filePn);
+}
+void cMain_OnDropURL(const char*) {}
+void cMain_OnDownloadProgress(int) {}
+void cMain_OnInitPath(cStr*) {}
 
-    void Resize(int width, int height) {
-        s_Device->SetSize(width, height);
-        m_Viewer->Viewport = {0, 0, float(width), float(height)};
-        m_Viewer->Update();
-    }
+constinit const cStr& cMain_Title = s_Title.Value;
+constinit cStr cMain_LoadSceneXmlFilePn;
+constinit bool cMain_LoadSceneEnableIntro = false;
 
-    /// Input has been sampled.
-    void Frame() {
-        cTimer::Acquire();
-        cWidgets::HandleInputEvents();
-        cRender::BeginFrame();
-        cRender::Clear(true, true, cColor(0.62f, 0.68f, 0.74f), 1);
-        cRender::SetViewer(m_Viewer);
-        for (int layer = 0; layer < cWidgets::LayerCount; layer++) {
-            cWidgets::Render(layer);
-        }
-        cRender::EndFrame();
-    }
+namespace {
 
-private:
-    cFreeViewer* m_Viewer = new cFreeViewer; // the manager's
-    cWorkbenchScene m_Scene;
-};
+// ---- With a window
+
+#if defined(TRELLIS_WINDOW)
 
 /// Draws while something happens, and for a second after: what grows and fades comes to rest. Then it waits.
-int RunInWindow(Workbench& workbench) {
-    constexpr int FrameMs = 16, IdleMs = 500, Settling = 60;
+class WindowLoop {
+public:
+    explicit WindowLoop(HostWindow* window) : m_Window(window) {}
+
+    bool Next() {
+        constexpr int IdleMs = 500, EditingMs = 100, Settling = 60;
+        for (;;) {
+            m_Window->Poll();
+            if (!m_Window->GetFailure().empty()) {
+                return false;
+            }
+            if (m_Window->TakeChange() || s_Workbench->IsMoving()) {
+                m_Busy = Settling;
+            }
+            if (m_Busy > 0) {
+                m_Busy--;
+                break;
+            }
+            const bool isEditing = cWidgets::IsCaptured(); // a caret blinks
+            m_Window->Wait(isEditing ? EditingMs : IdleMs);
+            m_Busy = isEditing ? 1 : 0;
+        }
+        if (m_Width != m_Window->GetWidth() || m_Height != m_Window->GetHeight()) {
+            m_Width = m_Window->GetWidth();
+            m_Height = m_Window->GetHeight();
+            Resize(m_Width, m_Height);
+        }
+        m_Start = std::chrono::steady_clock::now();
+        cInput::Acquire();
+        return true;
+    }
+    void Show() {
+        constexpr auto FrameTime = std::chrono::microseconds(1'000'000 / 60);
+        m_Window->Show(s_Device->GetBackBuffer());
+        std::this_thread::sleep_until(m_Start + FrameTime);
+    }
+
+private:
+    HostWindow* m_Window;
+    int m_Width = 0, m_Height = 0, m_Busy = 0;
+    std::chrono::steady_clock::time_point m_Start;
+};
+
+int RunInWindow(const std::string& path) {
+    int width = 0, height = 0, minWidth = 0, minHeight = 0;
+    cMain_OnSetInitialWindowSize(&width, &height, &minWidth, &minHeight);
     std::string error;
-    const auto window = HostWindow::Open("Trellis workbench", 1280, 720, &error);
+    const auto window = HostWindow::Open(cMain_Title, width, height, &error);
     if (!window) {
         std::fprintf(stderr, "workbench: %s\n", error.c_str());
         return 1;
     }
-    int width = 0, height = 0, busy = Settling;
-    while (!window->IsClosing()) {
-        window->Poll();
-        if (window->TakeChange() || SceneWidget::IsMoving) {
-            busy = Settling;
-        }
-        if (busy-- <= 0) {
-            busy = 0;
-            window->Wait(IdleMs);
-            continue;
-        }
-        if (width != window->GetWidth() || height != window->GetHeight()) {
-            width = window->GetWidth();
-            height = window->GetHeight();
-            workbench.Resize(width, height);
-        }
-        const auto start = std::chrono::steady_clock::now();
-        cInput::Acquire();
-        workbench.Frame();
-        cInput::FreeEvents();
-        window->Show(s_Device->GetBackBuffer());
-        std::this_thread::sleep_until(start + std::chrono::milliseconds(FrameMs));
+    WindowLoop loop(window.get());
+    s_Driver.Next = [&loop] { return loop.Next(); };
+    s_Driver.Show = [&loop] { loop.Show(); };
+    HostWindow::AddTo(&s_Driver.Host);
+    cMain_OnInit();
+    Resize(width, height);
+    if (!path.empty()) {
+        cMain_OnDrop(path.c_str());
     }
+    while (s_Workbench->RunFrame()) {
+        if (window->TakeClose() && cMain_OnClose()) {
+            break;
+        }
+    }
+    cMain_OnFree();
     if (!window->GetFailure().empty()) {
         std::fprintf(stderr, "workbench: %s\n", window->GetFailure().c_str());
         return 1;
@@ -164,27 +175,116 @@ int RunInWindow(Workbench& workbench) {
     return 0;
 }
 
-} // namespace
+#else
 
-int main(int argc, char** argv) {
-    if (argc < 2 || argc > 3) {
-        std::fprintf(stderr, "usage: workbench DATA [SCENE.Xml]\n");
-        return 2;
+int RunInWindow(const std::string&) {
+    std::fprintf(stderr, "workbench: built without a window system; --headless works.\n");
+    return 1;
+}
+
+#endif
+
+// ---- Without one
+
+struct Options {
+    bool IsHeadless = false;
+    const char* Script = nullptr;
+    const char* Shot = nullptr;
+    const char* Resolved = nullptr;
+    const char* Data = nullptr;
+    const char* Path = nullptr;
+};
+
+int RunScript(const Options& options) {
+    InputScript script;
+    std::string error;
+    if (!script.Load(options.Script, &error) || (options.Resolved && !script.Trace(options.Resolved, &error))) {
+        std::fprintf(stderr, "workbench: %s\n", error.c_str());
+        return 1;
     }
-    const std::string data = std::filesystem::absolute(argv[1]).string();
-    const std::string scene = argc == 3 ? std::filesystem::absolute(argv[2]).string() : "";
-    static_cast<SourceFolder*>(cIO::GetSourcesMutable()[0])->SetPath(data.c_str());
+    cFakeClock clock;
+    const InputScript::Listener listener{
+        Resize,
+        [](const std::string& name, cVec2* at) {
+            return FindInForms(name, at) || FindHandle(name, at) || s_Workbench->Find(name, at);
+        },
+        [](const std::string& name) { return SavePicture(Absolute((name + ".bmp").c_str())); },
+    };
+    s_Driver.Next = [&] {
+        constexpr long long FrameUs = 1'000'000 / 60;
+        clock.Advance(FrameUs);
+        return script.Next(listener, &error);
+    };
+    s_Driver.Show = [] {};
+    cMain_OnInit();
+    Resize(s_Width, s_Height);
+    if (options.Path) {
+        cMain_OnDrop(Absolute(options.Path).c_str());
+    }
+    while (s_Workbench->RunFrame()) {
+    }
+    if (error.empty() && options.Shot && !SavePicture(Absolute(options.Shot))) {
+        error = std::string("cannot save ") + options.Shot;
+    }
+    cMain_OnFree();
+    if (!error.empty()) {
+        std::fprintf(stderr, "workbench: %s\n", error.c_str());
+    }
+    return error.empty() ? 0 : 1;
+}
+
+bool Parse(int argc, char** argv, Options* out) {
+    const struct {
+        const char* Name;
+        const char** Value;
+    } options[] = {{"--script", &out->Script}, {"--shot", &out->Shot}, {"--resolved", &out->Resolved}};
+    for (int i = 1; i < argc; i++) {
+        if (std::strcmp(argv[i], "--headless") == 0) {
+            out->IsHeadless = true;
+            continue;
+        }
+        const char** value = nullptr;
+        for (const auto& option : options) {
+            if (std::strcmp(argv[i], option.Name) == 0) {
+                value = i + 1 < argc ? option.Value : nullptr;
+                i++;
+            }
+        }
+        if (!value && i < argc && argv[i][0] != '-') {
+            value = !out->Data ? &out->Data : !out->Path ? &out->Path : nullptr;
+        }
+        if (!value) {
+            return false;
+        }
+        *value = argv[i];
+    }
+    return out->Data && out->IsHeadless == (out->Script != nullptr);
+}
+
+int Run(const Options& options) {
+    static_cast<SourceFolder*>(cIO::GetSourcesMutable()[0])->SetPath(Absolute(options.Data).c_str());
     RegisterDaylight();
-    cRender::SetFactory([](int) -> cRender::Stub* { return s_Device = new cSoftwareDevice(1280, 720); });
+    cRender::SetFactory([](int) -> cRender::Stub* { return s_Device = new cSoftwareDevice(s_Width, s_Height); });
     if (!cRender::Init(0)) {
+        std::fprintf(stderr, "workbench: there is no memory for the pictures.\n");
         return 1;
     }
     cTheme::Init();
-    int result;
-    {
-        Workbench workbench(scene.c_str());
-        result = RunInWindow(workbench);
-    }
+    const int result = options.IsHeadless ? RunScript(options) : RunInWindow(Absolute(options.Path));
     cRender::Free();
     return result;
+}
+
+} // namespace
+
+} // namespace trellis
+
+int main(int argc, char** argv) {
+    trellis::Options options;
+    if (!trellis::Parse(argc, argv, &options)) {
+        std::fprintf(stderr, "usage: workbench [--headless --script FILE [--shot FILE] [--resolved FILE]] DATA"
+                             " [SCENE.Xml|FOLDER|MODEL]\n");
+        return 2;
+    }
+    return trellis::Run(options);
 }

@@ -28,7 +28,7 @@ inline std::vector<Corner> Box(float x0, float y0, float x1, float y1, unsigned 
 }
 
 struct Canvas : cSoftwareDevice {
-    Canvas(int width, int height) : cSoftwareDevice(width, height) {
+    Canvas(int width, int height, int threads = 0) : cSoftwareDevice(width, height, threads) {
         EXPECT_TRUE(Init(0));
         Format = AddVertexFormat(cVertex::PositionColored::GetFormat());
         UI = GetShaderID("SolidUI", Format, nullptr);

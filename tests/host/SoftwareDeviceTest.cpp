@@ -4,6 +4,7 @@
 #include "tests/files/Folders.h"
 
 #include <cstring>
+#include <random>
 
 namespace trellis {
 
@@ -47,7 +48,7 @@ private:
 };
 
 struct SampledCanvas : Canvas {
-    SampledCanvas(int width, int height) : Canvas(width, height) {
+    SampledCanvas(int width, int height, int threads = 0) : Canvas(width, height, threads) {
         cSoftwareShader::Register("Sampled", [](const cSoftwareShader::Layout& layout, const char* defines) {
             return std::unique_ptr<cSoftwareShader>(new Sampled(layout, std::strstr(defines, "FLIP")));
         });
@@ -214,6 +215,182 @@ TEST(SoftwareDevice, DepthTargets) {
     EXPECT_FLOAT_EQ(draw(0.75f, 20), 20);
     canvas.FreeTexture(depth);
     EXPECT_FLOAT_EQ(draw(0.9f, 40), 40) << "without depths there is no test";
+}
+
+/// All that a call can refer to changes at random between the calls.
+class RandomScene {
+public:
+    RandomScene(int threads, bool isImpatient) : m_Canvas(Width, Height, threads), m_IsImpatient(isImpatient) {
+        // Upside down: rows read other rows.
+        m_Canvas.Shader = m_Canvas.GetShaderID("Sampled", m_Canvas.Format, "#define FLIP\n");
+        m_Canvas.Src = m_Canvas.GetSamplerID(m_Canvas.Shader, "s_Src");
+        m_Scale = m_Canvas.GetShaderConstID(m_Canvas.Shader, "c_Scale");
+        m_Target = m_Canvas.AddRenderTarget(Width, Height, cFormat::Rgba32f, false, 0);
+        m_Depth = m_Canvas.AddRenderDepth(m_Target, cFormat::Depth24);
+        m_Texture = m_Canvas.AddTexture(Noise());
+        m_Canvas.Wipe();
+    }
+
+    /// Colours of the back buffer and of the target, and the target's depths.
+    std::vector<unsigned char> Draw(int calls) {
+        for (int i = 0; i < calls; i++) {
+            Step();
+            if (m_IsImpatient) {
+                m_Canvas.GetBackBuffer();
+            }
+        }
+        std::vector<unsigned char> bytes;
+        cImage images[3];
+        m_Canvas.ScreenShot(&images[0]);
+        m_Canvas.SaveRenderTarget(m_Target, &images[1]);
+        m_Canvas.SaveRenderTarget(m_Depth, &images[2]);
+        for (const cImage& image : images) {
+            bytes.insert(bytes.end(), image.GetPixels(), image.GetPixels() + image.GetMipMappedSize());
+        }
+        return bytes;
+    }
+
+private:
+    static constexpr int Width = 210, Height = 170;
+
+    int Random(int n) { return int(m_Random() % unsigned(n)); }
+    float Part(float most) { return most * float(Random(1000)) / 1000; }
+
+    cImage Noise() {
+        cImage image(cFormat::Rgba8, 16, 16, 1, 1);
+        for (int i = 0; i < 16 * 16 * 4; i++) {
+            image.GetPixels()[i] = static_cast<unsigned char>(Random(256));
+        }
+        return image;
+    }
+
+    void Step() {
+        switch (Random(12)) {
+        case 0: {
+            const cRect clip(Part(100), Part(60), 100 + Part(120), 60 + Part(120));
+            return m_Canvas.SetClipRect(Random(2) ? &clip : nullptr);
+        }
+        case 1:
+            return m_Canvas.Blend(cBlendFactor::Enum(Random(cBlendFactor::Count)),
+                                  cBlendFactor::Enum(Random(cBlendFactor::Count)),
+                                  cBlendMode::Enum(Random(cBlendMode::Count)), unsigned(1 + Random(15)));
+        case 2:
+            return m_Canvas.SetBlendState(-1);
+        case 3:
+            return m_Canvas.Depth(Random(4), Random(3), cDepthFunc::Enum(Random(cDepthFunc::Count)));
+        case 4:
+            m_Canvas.SetWireframe(Random(4) == 0);
+            return m_Canvas.SetCullMode(cCullMode::Enum(Random(3)));
+        case 5:
+            return m_Canvas.SetRenderTarget(&m_Target, Random(2), Random(2) ? m_Depth : -1, nullptr);
+        case 6: {
+            cImage patch = Noise();
+            cList<cImage*> images;
+            cList<cRect> rects;
+            images.Add(&patch);
+            rects.Add(cRect(0, 0, 8, 8));
+            return m_Canvas.UpdateTexture(m_Texture, images, rects);
+        }
+        case 7: {
+            const cColor color(Part(1), Part(1), Part(1), Part(1));
+            return Random(3) == 0 ? m_Canvas.Clear(Random(2), Random(2), color, Part(1)) : void();
+        }
+        case 8: // what was drawn into, maybe just now, or is being drawn into
+            m_Canvas.SetShaderConst(m_Scale, Part(1.2f));
+            return m_Canvas.Show(Random(2) ? m_Target : m_Depth);
+        case 9:
+            m_Canvas.SetShaderConst(m_Scale, Part(2));
+            return m_Canvas.Show(m_Texture);
+        default:
+            return Primitives();
+        }
+    }
+
+    void Primitives() {
+        std::vector<Corner> v;
+        for (int i = Random(30); i >= 0; i--) {
+            v.push_back(At(Part(300) - 50, Part(260) - 50, unsigned(m_Random()), Part(2.2f) - 1.1f));
+            v.back().Color = Random(3) ? v.back().Color : v[0].Color; // some are of one colour
+        }
+        if (Random(2)) {
+            return m_Canvas.Draw(v, cTopology::Enum(Random(4)));
+        }
+        const int buffer = m_Canvas.AddVertexBuffer(v.data(), unsigned(v.size() * sizeof(Corner)));
+        m_Canvas.SetVertexBuffer(buffer);
+        m_Canvas.DrawArrays(cTopology::Enum(Random(4)));
+        m_Canvas.FreeVertexBuffer(buffer);
+    }
+
+    std::mt19937 m_Random{5};
+    SampledCanvas m_Canvas;
+    bool m_IsImpatient;
+    int m_Scale, m_Target, m_Depth, m_Texture;
+};
+
+TEST(SoftwareDevice, CallsThatWaitDrawTheSameOnAnyNumberOfThreads) {
+    constexpr int calls = 1500;
+    const std::vector<unsigned char> expected = RandomScene(1, true).Draw(calls);
+    for (const int threads : {1, 2, 3, 5}) {
+        EXPECT_EQ(RandomScene(threads, false).Draw(calls) == expected, true) << threads;
+    }
+}
+
+/// In pictures of more than one band, upside down, so that bands read each other.
+TEST(SoftwareDevice, TargetsAreReadInTheOrderOfTheCalls) {
+    constexpr int height = 64;
+    SampledCanvas canvas(1, height);
+    const cRect all(0, 0, 1, height);
+    canvas.SetViewport(&all);
+    canvas.Shader = canvas.GetShaderID("Sampled", canvas.Format, "#define FLIP\n");
+    canvas.Src = canvas.GetSamplerID(canvas.Shader, "s_Src");
+    const int target = canvas.AddRenderTarget(1, height, cFormat::Rgba32f, false, 0);
+    const int depth = canvas.AddRenderDepth(target, cFormat::Depth24);
+    canvas.SetRenderTarget(&target, 1, depth, nullptr);
+    canvas.Wipe();
+    const auto red = [&](int y) {
+        cImage image;
+        canvas.SaveRenderTarget(target, &image);
+        return reinterpret_cast<const float*>(image.GetPixels())[y * 4];
+    };
+
+    canvas.Draw(Box(0, 0, 1, 32));
+    canvas.SetShaderConst(canvas.GetShaderConstID(canvas.Shader, "c_Scale"), 0.5f);
+    std::vector<Corner> upperThenLower = Box(-1, 0, 1, 1);
+    for (const Corner& corner : Box(-1, -1, 1, 0)) {
+        upperThenLower.push_back(corner);
+    }
+    canvas.SetTexture(canvas.Src, target);
+    canvas.SetSamplerState(target, canvas.GetSamplerStateID(cFilter::Nearest, {}, {}, {}));
+    canvas.SetShader(canvas.Shader);
+    canvas.Draw(upperThenLower);
+    canvas.SetShader(canvas.UI);
+    EXPECT_EQ(red(40), 0.5f);
+    EXPECT_EQ(red(10), 0.25f) << "reads what the call has drawn before";
+
+    canvas.SetRenderTarget(&target, 1, -1, nullptr);
+    canvas.Wipe();
+    canvas.Show(depth); // 1 everywhere
+    canvas.SetRenderTarget(&target, 1, depth, nullptr);
+    canvas.Clear(false, true, cColor::Zero, 0);
+    EXPECT_EQ(red(10), 0.5f);
+    EXPECT_EQ(red(40), 0.5f) << "was read before it was cleared";
+}
+
+TEST(SoftwareThreads, EveryPartIsDoneOnce) {
+    for (const int count : {1, 2, 5}) {
+        cSoftwareThreads threads(count);
+        for (int round = 0; round < 50; round++) {
+            std::atomic<int> next = 0, sum = 0;
+            threads.Run([&](int worker) {
+                EXPECT_LT(worker, count);
+                for (int part = next++; part < 50; part = next++) {
+                    std::this_thread::sleep_for(std::chrono::microseconds(worker)); // the others are late
+                    sum += part;
+                }
+            });
+            ASSERT_EQ(sum, 49 * 50 / 2);
+        }
+    }
 }
 
 using SoftwareDeviceFiles = Folders;

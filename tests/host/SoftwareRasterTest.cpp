@@ -75,21 +75,21 @@ TEST(SoftwareRaster, NeighboursShareNoPixelAndLeaveNoneOut) {
         const int count = 3 + int(random() % 9);
         // corners on halves every other time, so that centres lie on edges
         const auto place = [&](float v) { return round & 1 ? std::floor(v * 2) / 2 : v; };
-        const Corner centre = At(place(16 + float(random() % 90) * 0.05f), place(16 + float(random() % 90) * 0.05f), 1);
+        const Corner centre = At(place(16 + float(random() % 90) * 0.05f), place(32 + float(random() % 90) * 0.05f), 1);
         std::vector<Corner> rim, fan;
         for (int i = 0; i <= count; i++) {
             const float angle = turn + float(i % count) * cMath::TwoPi / float(count), r = isFar ? 1e6f : 13;
-            rim.push_back(At(place(16 + r * std::cos(angle)), place(16 + r * std::sin(angle)), 1));
+            rim.push_back(At(place(16 + r * std::cos(angle)), place(32 + r * std::sin(angle)), 1));
         }
         for (int i = 0; i < count; i++) {
             const size_t a = size_t(i), b = size_t(i + 1);
             const bool isTurned = random() & 1;
             fan.insert(fan.end(), {rim[isTurned ? b : a], centre, rim[isTurned ? a : b]});
         }
-        Canvas canvas(32, 32);
+        Canvas canvas(32, 48);
         canvas.Blend(cBlendFactor::One, cBlendFactor::One);
         canvas.Draw(fan);
-        for (int y = 0; y < 32; y++) {
+        for (int y = 0; y < 48; y++) {
             for (int x = 0; x < 32; x++) {
                 float least = 99; // distance to the rim, inward above 0
                 for (size_t i = 0; i + 1 < rim.size() && !isFar; i++) {
@@ -177,7 +177,7 @@ TEST(SoftwareRaster, FastPathsGiveTheSameBytes) {
     const float odd[] = {NAN, INFINITY, -INFINITY, -0.0f, 1e30f, -1e30f, 0.5f, -4194305};
     for (int round = 0; round < 300; round++) {
         unsigned pixels[2][48];
-        cVec4 colors[48], results[2][6];
+        cVec4 colors[48], results[2][13];
         for (int i = 0; i < 48; i++) {
             pixels[0][i] = pixels[1][i] = unsigned(random());
             for (int k = 0; k < 4; k++) {
@@ -189,29 +189,53 @@ TEST(SoftwareRaster, FastPathsGiveTheSameBytes) {
             cSoftwareMerge merge;
             merge.Begin({pixels[int(path)], nullptr, 48, 1, 15},
                         {true, cBlendFactor::SrcAlpha, cBlendFactor::OneMinusSrcAlpha, cBlendMode::Add, 15}, path);
-            merge.Write(0, 0, 23, colors, nullptr);
+            merge.Write(0, 0, 23, colors, cSoftwareMerge::AllOf(23));
             merge.Fill(23, 0, 17, colors[23]);
         }
         const auto work = [&]<class F>(F x, F y, unsigned* bytes, cVec4* out) {
             int whole[2];
+            const float power = 0.1f + float(round) * 0.05f;
             (x + y * F::All(0.3f)).Store(&out[0]);
             (x - y).Store(&out[1]);
             (x * F::All(1e3f)).Split(&whole[0], &whole[1]).Store(&out[2]);
             x.template Spread<1>().Store(&out[3]);
-            out[4] = cVec4(float(whole[0]), float(whole[1]), 0, 0);
+            out[4] = cVec4(float(whole[0]), float(whole[1]), float(F::Equal(x, y) | F::Equal(x, x) << 4),
+                           float(F::Less(x, y) | F::LessEqual(x, y) << 4));
             F::FromBytes(bytes[0]).Store(&out[5]);
-            F::ToBytes(colors, 7, bytes + 40);
-            bytes[47] = x.ToBytes();
+            (x / y).Store(&out[6]);
+            F::Length(x, y).Store(&out[7]);
+            F::Sqrt(x).Store(&out[8]);
+            F::Pow(x.Clamped(), power).Store(&out[9]);
+            F::Max(x, F::Min(y, F::All(0.5f))).Store(&out[10]);
+            F::Columns(&colors[2], &x, &y);
+            x.Store(&out[11]);
+            y.Store(&out[12]);
+            F::ToBytes(x, y, x - y, x * y, bytes + 40);
+            bytes[44] = x.ToBytes();
         };
         work(Float4Plain::Load(colors[0]), Float4Plain::Load(colors[1]), pixels[0], results[0]);
         work(Float4::Load(colors[0]), Float4::Load(colors[1]), pixels[1], results[1]);
         ASSERT_EQ(std::memcmp(pixels[0], pixels[1], sizeof pixels[0]), 0) << round;
-        for (int i = 0; i < 6 * 4; i++) {
+        for (int i = 0; i < 13 * 4; i++) {
             const float plain = results[0][i / 4][i % 4], fast = results[1][i / 4][i % 4];
             ASSERT_TRUE((std::isnan(plain) && std::isnan(fast)) || std::memcmp(&plain, &fast, sizeof fast) == 0) << i;
         }
     }
     EXPECT_EQ(Float4::Load(cVec4(NAN, -INFINITY, INFINITY, -0.0f)).ToBytes(), 0xFF0000u);
+}
+
+TEST(SoftwareRaster, PowersAreThoseOfTheLibrary) {
+    const float bases[] = {0, 1e-45f, 1e-38f, 1e-9f, 0.01f, 0.25f, 0.4999f, 0.7071068f, 0.99f, 0.9999999f, 1};
+    for (const float base : bases) {
+        for (const float power : {0.01f, 0.5f, 0.6f, 1.0f, 1.3f, 2.0f, 2.2f, 7.5f, 64.0f}) {
+            const cVec4 in(base, base * 0.9f, 1, 0);
+            cVec4 out;
+            Float4::Pow(Float4::Load(in), power).Store(&out);
+            for (int i = 0; i < 4; i++) {
+                EXPECT_FLOAT_EQ(out[i], float(std::pow(double(in[i]), double(power)))) << in[i] << " " << power;
+            }
+        }
+    }
 }
 
 TEST(SoftwareRaster, DepthFunctions) {
@@ -241,10 +265,11 @@ TEST(SoftwareRaster, DepthIsWrittenOnlyWhereTold) {
     EXPECT_EQ(canvas.Pixel(1, 0), 3u);
 }
 
-/// Rows of four floats as clip positions.
+/// Rows of four floats as clip positions; "COLOR" in the defines leaves the colours to the device.
 class ClipShader : public cSoftwareShader {
 public:
-    ClipShader() : cSoftwareShader(1, PixelStage::Own) {}
+    explicit ClipShader(const char* defines)
+        : cSoftwareShader(1, std::strstr(defines, "COLOR") ? PixelStage::Color : PixelStage::Own) {}
     void Vertices(const unsigned char* vertices, int count, Vertex* out) const override {
         for (int i = 0; i < count; i++, vertices += sizeof(cVec4)) {
             std::memcpy(&out[i].Clip, vertices, sizeof(cVec4));
@@ -256,11 +281,11 @@ public:
 };
 
 struct ClipCanvas : Canvas {
-    ClipCanvas(int width, int height) : Canvas(width, height) {
-        cSoftwareShader::Register("Clip", [](const cSoftwareShader::Layout&, const char*) {
-            return std::unique_ptr<cSoftwareShader>(new ClipShader);
+    ClipCanvas(int width, int height, const char* defines = nullptr) : Canvas(width, height) {
+        cSoftwareShader::Register("Clip", [](const cSoftwareShader::Layout&, const char* d) {
+            return std::unique_ptr<cSoftwareShader>(new ClipShader(d));
         });
-        SetShader(GetShaderID("Clip", AddVertexFormat(cVertex::PositionRhw::GetFormat()), nullptr));
+        SetShader(GetShaderID("Clip", AddVertexFormat(cVertex::PositionRhw::GetFormat()), defines));
     }
     void Draw(const std::vector<cVec4>& v, cTopology::Enum topology = cTopology::TriangleList) {
         DrawArrays(topology, v.data(), int(v.size()));
@@ -315,6 +340,33 @@ TEST(SoftwareRaster, APictureMayBeDrawnInPieces) {
     }
     const cImage &a = whole.GetBackBuffer(), &b = pieces.GetBackBuffer();
     EXPECT_EQ(std::memcmp(a.GetPixels(), b.GetPixels(), size_t(a.GetMipMappedSize())), 0);
+}
+
+TEST(SoftwareRaster, ColoursOfTheDeviceAreThoseOfAShader) {
+    for (const auto func : {cDepthFunc::Less, cDepthFunc::LessEqual, cDepthFunc::Greater}) {
+        for (const bool isWritten : {true, false}) {
+            std::mt19937 random(13);
+            const auto part = [&](float least, float most) {
+                return least + (most - least) * float(random() % 1000) / 1000;
+            };
+            ClipCanvas device(90, 40, "COLOR"), shader(90, 40);
+            for (int i = 0; i < 60; i++) {
+                std::vector<cVec4> corners(3);
+                for (cVec4& v : corners) {
+                    const float w = i & 1 ? 1 : part(0.5f, 3);
+                    const float z = i % 4 ? part(-0.9f, 0.9f) * w : 0; // some lie in one plane
+                    v = {part(-1.4f, 1.4f) * w, part(-1.4f, 1.4f) * w, z, w};
+                }
+                for (ClipCanvas* canvas : {&device, &shader}) {
+                    canvas->Depth(true, isWritten || i % 3 == 0, func);
+                    canvas->Draw(corners);
+                }
+            }
+            for (int i = 0; i < 90 * 40; i++) {
+                ASSERT_EQ(device.Pixel(i % 90, i / 90), shader.Pixel(i % 90, i / 90)) << func << " " << i;
+            }
+        }
+    }
 }
 
 TEST(SoftwareRaster, AnyBitsAreBorne) {

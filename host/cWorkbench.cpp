@@ -1,0 +1,449 @@
+#include "host/cWorkbench.h"
+
+#include "editor/cClassExplorer.h"
+#include "editor/cSettings.h"
+#include "files/cFile.h"
+#include "files/cIO.h"
+#include "foundation/cLog.h"
+#include "foundation/cMain.h"
+#include "foundation/cPause.h"
+#include "foundation/cTimer.h"
+#include "host/cWorkbenchForm.h"
+#include "image/cImage.h"
+#include "mesh/cMaterials.h"
+#include "reflection/cXml.h"
+#include "render/cRender.h"
+#include "ui/cMessageBox.h"
+#include "ui/cPanel.h"
+#include "ui/cToolBar.h"
+#include "ui/cWidgets.h"
+#include "view/cFreeViewer.h"
+#include "view/cManipulator.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+
+namespace trellis {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int s_FormLayer = 3, s_StatusLayer = 5;
+
+void DressWnd(cWnd* wnd, const cTheme* theme) {
+    wnd->m_Theme = theme;
+    wnd->CalcRelBounds();
+}
+
+/// Windows keep the theme that they were made with.
+void DressForm(cForm* form, const cTheme* theme) {
+    form->m_Theme = theme;
+    cList<cWnd*> inside;
+    form->ListChildren(&inside, false);
+    for (cWnd* wnd : inside) {
+        DressWnd(wnd, theme);
+    }
+    for (int i = inside.Count(); i-- > 0;) { // the innermost panels first
+        if (auto* panel = dynamic_cast<cPanel*>(inside[i])) {
+            panel->AlignChildren();
+        }
+    }
+    if (cToolBar* bar = form->m_ToolBar) {
+        bar->m_Theme = theme;
+        for (cWnd* wnd : bar->m_Children) {
+            DressWnd(wnd, theme);
+        }
+        bar->AlignChildren();
+    }
+}
+
+} // namespace
+
+/// The scene among the widgets, behind the handles: draws it, and has the keys of the program.
+class cWorkbench::SceneWidget : public cWidget {
+public:
+    explicit SceneWidget(cWorkbench* program) : m_Program(program) {}
+
+    bool OnButtonDown(int code) override {
+        const bool isControl = cInput::IsDown(cInput::Control);
+        if (isControl && (code == cInput::O || code == cInput::S)) {
+            code == cInput::O ? m_Program->AskToOpen() : void(m_Program->AskToSave());
+            return true;
+        }
+        if (code >= cInput::Key0 && code <= cInput::Key4) {
+            g_ManipulatorsType = code - cInput::Key0;
+            return true;
+        }
+        switch (code) {
+        case cInput::LeftButton:
+            if (cInput::IsDown(cInput::Alt)) {
+                return false; // the camera's
+            }
+            m_Program->Click();
+            return true;
+        case cInput::Delete:
+            m_Program->DeleteSelected();
+            return true;
+        case cInput::F:
+            m_Program->FrameView();
+            return true;
+        case cInput::P:
+            cPause::SetUserPause(!cPause::GetUserPause());
+            return true;
+        case cInput::F1:
+            m_Program->ToggleForm();
+            return true;
+        case cInput::F9:
+            cClassExplorer::ToggleClassExplorer();
+            return true;
+        case cInput::F10:
+            cClassExplorer::ToggleMainMenu();
+            return true;
+        case cInput::F12:
+            m_Program->SaveShot();
+            return true;
+        }
+        return false;
+    }
+    void OnRender() override {
+        m_Program->m_IsMoving = m_Program->m_Scene.Step(cTimer::GetFrameTimeSec()) && !cPause::GetPause();
+        m_Program->m_Scene.Draw(g_Settings.ShowGrid);
+    }
+
+private:
+    cWorkbench* m_Program;
+};
+
+/// The last sentence, in the lower left corner.
+class cWorkbench::StatusLine : public cWidget {
+public:
+    explicit StatusLine(cWorkbench* program) : m_Program(program) {}
+
+    void OnRender() override {
+        if (m_Program->m_SaidSec <= 0 || !m_Program->m_Theme) {
+            return;
+        }
+        m_Program->m_SaidSec -= cTimer::GetSystemFrameTimeSec();
+        cTheme::DrawArgs args;
+        args.Part = cTheme::Parts::ToolTip;
+        args.Text = m_Program->m_Said;
+        args.Position = {8, 8};
+        args.Align = cRect::LeftBottom;
+        m_Program->m_Theme->Draw(args);
+    }
+
+private:
+    cWorkbench* m_Program;
+};
+
+cWorkbench::cWorkbench(const Driver& driver)
+    : m_Driver(driver), m_Dialogs([this] { return RunFrame(); }),
+      m_Theme(cTheme::WindowsStandard ? cTheme::WindowsStandard : cTheme::Fragile), m_Viewer(new cFreeViewer) {
+    cWidgets::AddWidget(m_Viewer, 0);
+    cWidgets::AddWidget(new SceneWidget(this), 0);
+    cWidgets::AddWidget(new StatusLine(this), s_StatusLayer);
+    cSettings::AddToWidgets();
+    cRender::SetViewer(m_Viewer);
+    g_Settings.ShowGrid = g_Settings.ShowFps = true;
+    g_Settings.ClearColor.Color = cColor(0.62f, 0.68f, 0.74f);
+    g_ManipulatorsType = cManipulator::MoveType;
+    cClassExplorer::AddObject("Scene", &m_Scene, "");
+    cClassExplorer::AddObject("Materials", &g_Materials, "");
+    cClassExplorer::AddMenuObject("Settings", &g_Settings, "");
+    m_Scene.WriteToString(&m_Saved);
+    m_LogRead = cLog::GetLog().Length();
+    if (!m_Theme) {
+        cLog::Error("There are no fonts in \"%sFonts\": no forms and no texts can be shown.",
+                    cIO::GetDefaultSourceFolder().Text());
+    }
+    HostDialogs::SetTheme(m_Theme);
+    HostDialogs::AddTo(&m_Driver.Host);
+    cIO::SetHost(m_Driver.Host);
+}
+
+cWorkbench::~cWorkbench() {
+    cIO::SetHost({});
+    m_Scene.Select(nullptr);
+    cClassExplorer::RemoveObject(&m_Scene);
+    cClassExplorer::RemoveObject(&g_Materials);
+    cClassExplorer::RemoveObject(&g_Settings);
+    m_Scene.Objects.RemoveAt(0, m_Scene.Objects.Count());
+    cRender::SetViewer(nullptr);
+    cWidgets::FreeAll();
+}
+
+// ---- Frames
+
+bool cWorkbench::RunFrame() {
+    if (!m_Driver.Next()) {
+        return false;
+    }
+    cWidgets::HandleInputEvents();
+    cTimer::Acquire();
+    Render();
+    m_Driver.Show();
+    return true;
+}
+
+void cWorkbench::Render() {
+    if (!cMain_LoadSceneXmlFilePn.IsEmpty()) { // a button of the settings, or whoever else wants one
+        const cStr filePn = std::exchange(cMain_LoadSceneXmlFilePn, cStr());
+        OpenScene(filePn);
+    }
+    ReadLog();
+    Dress();
+    cRender::BeginFrame();
+    cRender::Clear(true, true, g_Settings.ClearColor.Color, 1);
+    cRender::SetViewer(m_Viewer);
+    cMain_OnRender(m_Viewer->Viewport);
+    for (int layer = 0; layer < cWidgets::LayerCount; layer++) {
+        cWidgets::Render(layer);
+    }
+    cRender::EndFrame();
+}
+
+void cWorkbench::Resize(int width, int height) {
+    m_Viewer->Viewport = {0, 0, float(width), float(height)};
+    m_Viewer->Update();
+    if (m_FormID == -1) {
+        ToggleForm();
+    }
+}
+
+void cWorkbench::Dress() {
+    for (cForm* form : cForm::s_Forms) {
+        if (form->m_Theme != m_Theme) {
+            DressForm(form, m_Theme);
+            cClassExplorer::ReCreateControls(); // what is made of several windows is measured when it is made
+        }
+    }
+}
+
+void cWorkbench::SetTheme(const cTheme* theme) {
+    if (!theme) {
+        Say("The fonts of this theme are missing.");
+        return;
+    }
+    m_Theme = theme;
+    HostDialogs::SetTheme(theme);
+    if (m_FormID != -1) { // another size
+        ToggleForm();
+        ToggleForm();
+    }
+}
+
+void cWorkbench::ToggleForm() {
+    if (cWidget* form = cWidgets::GetWidget(m_FormID)) {
+        cWidgets::FreeWidget(form, true);
+        m_FormID = -1;
+        return;
+    }
+    if (!m_Theme) {
+        return;
+    }
+    constexpr float Margin = 8, StandardButton = 23;
+    const float scale = m_Theme->ButtonHeight / StandardButton;
+    const float width = std::floor(120 + 180 * scale), height = std::floor(520 * scale);
+    const cRect screen = m_Viewer->Viewport;
+    const cVec2 corner(screen.x1 - Margin, screen.y1 - Margin);
+    const cRect bounds(corner.x - width, std::max(corner.y - height, screen.y0 + Margin), corner.x, corner.y);
+    auto* form = new cWorkbenchForm(this, bounds, m_Theme);
+    m_FormID = cWidgets::AddWidget(form, s_FormLayer);
+    form->Fill();
+}
+
+void cWorkbench::Click() {
+    const cVec2 at = m_Viewer->ScreenToClip(cInput::GetMousePositionOrient());
+    cWorkbenchObject* object = m_Scene.Pick(m_Viewer->GetPickRay(at));
+    m_Scene.Select(object);
+    if (object) {
+        cClassExplorer::FocusObject(object);
+    }
+}
+
+void cWorkbench::FrameView() {
+    cWorkbenchObject* selected = m_Scene.GetSelected();
+    if (selected && !selected->GetBounds().IsEmpty()) {
+        m_Viewer->Frame(selected->GetBounds(), selected->GetPlace(), cRect::Empty);
+    } else {
+        m_Viewer->Frame(m_Scene.GetBounds(), cMat4::Identity, cRect::Empty);
+    }
+}
+
+void cWorkbench::DeleteSelected() {
+    cWorkbenchObject* selected = m_Scene.GetSelected();
+    if (!selected || !cMessageBox::YesNo("Delete", "Delete what is selected?") || selected != m_Scene.GetSelected()) {
+        return;
+    }
+    m_Scene.Select(nullptr);
+    cClassExplorer::ReCreateControls();
+    m_Scene.Objects.RemoveAt(m_Scene.Objects.IndexOf(static_cast<cClass*>(selected)));
+}
+
+bool cWorkbench::Find(const std::string& name, cVec2* position) {
+    for (int i = 0; i < m_Scene.Objects.Count(); i++) {
+        cWorkbenchObject* object = m_Scene.Objects.Get(i);
+        if (object && (name == object->ToString().Text() || name == object->GetClassName())) {
+            return m_Viewer->WorldToClosestScreenPoint(object->GetBounds().Center() * object->GetPlace(), position);
+        }
+    }
+    return false;
+}
+
+// ---- Files
+
+void cWorkbench::Ask(void (cWorkbenchScene::*question)()) {
+    const int before = m_Scene.Objects.Count();
+    (m_Scene.*question)();
+    if (before == 0) {
+        FrameView();
+    }
+}
+
+bool cWorkbench::Open(const char* path) {
+    std::error_code error;
+    const fs::path folder = fs::is_directory(path, error) ? fs::path(path) : fs::path(path).parent_path();
+    cIO::SetFileDialogInitialFolder("Models", folder.c_str());
+    cIO::SetModelAnimCameraBspDialogsInitialPath(folder.c_str());
+    if (fs::is_directory(path, error)) {
+        const bool isOpen = m_Scene.OpenFolder(path) > 0;
+        FrameView();
+        return isOpen;
+    }
+    if (cStr::CompareNoCase(cStr(path).GetFileExtension(), "Xml") == 0) {
+        return OpenScene(path);
+    }
+    auto model = std::make_unique<cWorkbenchModel>();
+    model->ModelFile = path;
+    model->EnsureLoaded();
+    if (model->GetTriangleCount() == 0) {
+        return false;
+    }
+    cClassExplorer::ReCreateControls();
+    m_Scene.Objects.Add(model.release());
+    FrameView();
+    return true;
+}
+
+bool cWorkbench::OpenScene(const char* filePn) {
+    cXml document; // a scene that is no XML must not cost the one that is open
+    if (!document.ReadFromFile(filePn, cClass::MaxFileDepth) || !(document.GetName() == cWorkbenchScene::ClassName)) {
+        const cStr text = cStr::Format("\"%s\" is no scene of the workbench.", filePn);
+        HostDialogs::Tell("Open Scene", text);
+        Say(text);
+        return false;
+    }
+    m_Scene.Select(nullptr);
+    m_Scene.SetFolder(fs::path(filePn).parent_path().c_str());
+    cClassExplorer::ReloadObject(&m_Scene, filePn);
+    m_Scene.WriteToString(&m_Saved);
+    m_Scene.Step(0);
+    FrameView();
+    return true;
+}
+
+bool cWorkbench::SaveScene(const char* filePn) {
+    const cStr folder = cWorkbenchScene::GetFolder();
+    m_Scene.SetFolder(fs::path(filePn).parent_path().c_str());
+    if (!m_Scene.WriteToFile(filePn)) {
+        m_Scene.SetFolder(folder);
+        const cStr text = cStr::Format("The scene could not be saved to \"%s\".", filePn);
+        HostDialogs::Tell("Save Scene", text);
+        Say(text);
+        return false;
+    }
+    m_Scene.WriteToString(&m_Saved);
+    Say(cStr::Format("Saved to \"%s\".", filePn));
+    return true;
+}
+
+void cWorkbench::AskToOpen() {
+    cStr filePn;
+    if (MayClose() && cIO::LoadXmlDialog(&filePn)) {
+        OpenScene(filePn);
+    }
+}
+
+bool cWorkbench::AskToSave() {
+    cStr filePn;
+    return cIO::SaveXmlDialog(&filePn) && SaveScene(filePn);
+}
+
+/// The class explorer saves and loads as well, and keeps the name of the file.
+bool cWorkbench::IsSaved() {
+    cStr now;
+    m_Scene.WriteToString(&now);
+    if (now == m_Saved) {
+        return true;
+    }
+    for (const cClassExplorer::Object& object : cClassExplorer::GetObjects()) {
+        cFile file;
+        if (object.Class == &m_Scene && !object.FileName.IsEmpty() &&
+            cIO::LoadFile(object.Folder + object.FileName, &file, false)) {
+            std::string onDisk(size_t(file.GetSize()), '\0');
+            file.ReadBytes(onDisk.data(), file.GetSize());
+            return onDisk == now.Text();
+        }
+    }
+    return false;
+}
+
+bool cWorkbench::MayClose() {
+    if (IsSaved()) {
+        return true;
+    }
+    switch (HostDialogs::Ask("Workbench", "The scene has changed. Save it?")) {
+    case HostDialogs::Yes:
+        return AskToSave();
+    case HostDialogs::No:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void cWorkbench::SaveShot() {
+    std::error_code error;
+    fs::path path;
+    for (int i = 1; path.empty() || fs::exists(path, error); i++) {
+        path = fs::current_path(error) / (i == 1 ? "ScreenShot.bmp" : "ScreenShot " + std::to_string(i) + ".bmp");
+    }
+    cImage picture;
+    cRender::ScreenShot(&picture);
+    const bool isSaved = cIO::SaveImage(path.c_str(), picture);
+    Say(cStr::Format(isSaved ? "Saved to \"%s\"." : "The picture could not be saved to \"%s\".", path.c_str()));
+}
+
+// ---- Sentences
+
+void cWorkbench::Say(const char* sentence) {
+    constexpr float SaidSec = 5;
+    m_Said = sentence;
+    m_SaidSec = SaidSec;
+    m_LogRead = cLog::GetLog().Length(); // it says more than what led to it
+}
+
+/// Warnings reach the person as well.
+void cWorkbench::ReadLog() {
+    const cStr& log = cLog::GetLog();
+    const int from = std::min(m_LogRead, log.Length());
+    if (from == log.Length()) {
+        m_LogRead = from;
+        return;
+    }
+    std::fputs(log.Text() + from, stderr);
+    std::istringstream lines(log.Text() + from);
+    m_LogRead = log.Length();
+    for (std::string line; std::getline(lines, line);) {
+        line.erase(line.find_last_not_of("\r") + 1);
+        if (!line.empty() && line.find("Load") > 3) { // that something has been loaded is no news
+            Say(line.c_str());
+        }
+    }
+}
+
+} // namespace trellis
