@@ -1,8 +1,6 @@
-// Draw calls that wait until somebody looks at their pixels. Then they are drawn band by band of rows, by all
-// processors:
+// Draw calls that wait until somebody looks at their pixels. Then they are drawn by all processors, in bands of rows:
 //
-//     call --vertices--> corners --primitives--> the lists of the bands they reach --Flush--> one raster for each
-//     thread
+//     call --vertices--> corners --primitives--> lists of the bands they reach --Flush--> one raster a thread
 //
 // Rows are nobody's but their band's, and a band draws its primitives in their order: pixels come out the same for any
 // number of threads.
@@ -20,7 +18,7 @@
 namespace trellis {
 
 /// Whatever a call refers to must stay as it is until the next `Flush`: the pixels drawn into, the shader with its
-/// constants, and the textures it reads. Those may not be what is drawn into, unless the call `IsAlone`.
+/// constants, and the textures it reads. Those may not be what is drawn into, unless the call is alone.
 ///
 /// Belongs to the rendering thread. In the steady state nothing is allocated.
 class cSoftwareQueue {
@@ -50,7 +48,7 @@ public:
 
     // Primitives of the call, by its vertices' numbers
     void Point(int a);
-    bool Line(int a, int b, bool skipFirst); ///< As that of the raster.
+    bool Line(int a, int b, bool skipFirst); ///< @return whether there is anything of it to draw, anywhere
     void Triangle(int a, int b, int c);
 
     void Flush();

@@ -23,7 +23,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <sstream>
 
 namespace trellis {
@@ -111,7 +110,9 @@ public:
     }
     void OnRender() override {
         m_Program->m_IsMoving = m_Program->m_Scene.Step(cTimer::GetFrameTimeSec()) && !cPause::GetPause();
+        cRender::SetWireframe(g_Settings.Wireframe);
         m_Program->m_Scene.Draw(g_Settings.ShowGrid);
+        cRender::SetWireframe(false);
     }
 
 private:
@@ -296,35 +297,37 @@ bool cWorkbench::Find(const std::string& name, cVec2* position) {
 
 // ---- Files
 
-void cWorkbench::Ask(void (cWorkbenchScene::*question)()) {
-    const int before = m_Scene.Objects.Count();
-    (m_Scene.*question)();
-    if (before == 0) {
+void cWorkbench::AskForFolder() {
+    cStr folder;
+    if (MayClose() && cIO::SelectFolderDialog("Open Folder", "Models", &folder)) {
+        Open(folder);
+    }
+}
+
+void cWorkbench::AddModel() {
+    const bool isFirst = m_Scene.Objects.Count() == 0;
+    m_Scene.AddModel();
+    if (isFirst) {
         FrameView();
     }
 }
 
 bool cWorkbench::Open(const char* path) {
     std::error_code error;
-    const fs::path folder = fs::is_directory(path, error) ? fs::path(path) : fs::path(path).parent_path();
+    const bool isFolder = fs::is_directory(path, error);
+    const fs::path folder = isFolder ? fs::path(path) : fs::path(path).parent_path();
     cIO::SetFileDialogInitialFolder("Models", folder.c_str());
     cIO::SetModelAnimCameraBspDialogsInitialPath(folder.c_str());
-    if (fs::is_directory(path, error)) {
-        const bool isOpen = m_Scene.OpenFolder(path) > 0;
-        FrameView();
-        return isOpen;
-    }
-    if (cStr::CompareNoCase(cStr(path).GetFileExtension(), "Xml") == 0) {
+    if (!isFolder && cStr::CompareNoCase(cStr(path).GetFileExtension(), "Xml") == 0) {
         return OpenScene(path);
     }
-    auto model = std::make_unique<cWorkbenchModel>();
-    model->ModelFile = path;
-    model->EnsureLoaded();
-    if (model->GetTriangleCount() == 0) {
+    const bool isKept = isFolder || IsSaved(); // what can be opened again is no change
+    if (!(isFolder ? m_Scene.OpenFolder(path) : m_Scene.Open(path))) {
         return false;
     }
-    cClassExplorer::ReCreateControls();
-    m_Scene.Objects.Add(model.release());
+    if (isKept) {
+        m_Scene.WriteToString(&m_Saved);
+    }
     FrameView();
     return true;
 }

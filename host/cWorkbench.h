@@ -40,8 +40,8 @@ public:
     bool MayClose(); ///< Asks whether to save a scene that has changed. @return false: the person wants to stay
 
     // What the form and the keys do.
-    void OpenFolder() { Ask(&cWorkbenchScene::OpenFolder); }
-    void AddModel() { Ask(&cWorkbenchScene::AddModel); }
+    void AskForFolder();
+    void AddModel();
     void AskToOpen();
     bool AskToSave(); ///< @return whether it is saved
     void SetTheme(const cTheme* theme);
@@ -62,7 +62,6 @@ private:
     class SceneWidget;
     class StatusLine;
 
-    void Ask(void (cWorkbenchScene::*question)());
     void Render();
     void Dress(); // forms that have opened since
     void ReadLog();

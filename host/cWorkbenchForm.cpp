@@ -61,7 +61,7 @@ void cWorkbenchForm::Fill() {
     };
     const auto heading = [&](const char* text) { panel->AddChild(new cSeparator(panel, text, true)); };
     heading("Add");
-    button("Folder...", [](Form* f) { f->m_Program->OpenFolder(); });
+    button("Folder...", [](Form* f) { f->m_Program->AskForFolder(); });
     button("Model...", [](Form* f) { f->m_Program->AddModel(); });
     button("Path", [](Form* f) { f->m_Program->GetScene().AddPath(); });
     heading("Work");

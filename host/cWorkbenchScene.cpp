@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 namespace trellis {
@@ -46,6 +47,13 @@ template <class Info> cStr FindBeside(const cStr& filePn, const cList<Info>& cod
     return {};
 }
 
+void Fill(cWorkbenchModel* model, const char* filePn) {
+    model->ModelFile = filePn;
+    model->AnimFile = FindBeside(filePn, cIO::GetAnimCodecs());
+    model->Play = true;
+    model->EnsureLoaded();
+}
+
 } // namespace
 
 void cWorkbenchScene::RegisterMembers() {
@@ -53,7 +61,6 @@ void cWorkbenchScene::RegisterMembers() {
     if (!members.Begin()) {
         return;
     }
-    members.AddButton<cWorkbenchScene>(&cWorkbenchScene::OpenFolder, "&cWorkbenchScene::OpenFolder");
     members.AddButton(&cWorkbenchScene::AddModel, "&cWorkbenchScene::AddModel");
     members.AddButton(&cWorkbenchScene::AddPath, "&cWorkbenchScene::AddPath");
     members.AddObject(Objects, "Objects");
@@ -61,34 +68,32 @@ void cWorkbenchScene::RegisterMembers() {
     const cWorkbenchPath path;
 }
 
-void cWorkbenchScene::OpenFolder() {
-    cStr folder;
-    if (cIO::SelectFolderDialog("Open Folder", "Models", &folder)) {
-        OpenFolder(folder.Text());
+void cWorkbenchScene::AddModel() {
+    cStr filePn;
+    if (cIO::LoadModelDialog(&filePn) && Open(filePn)) {
+        Select(Objects.Get(Objects.Count() - 1));
     }
 }
 
-void cWorkbenchScene::AddModel() {
-    cStr filePn;
-    if (cIO::LoadModelDialog(&filePn)) {
-        auto* model = new cWorkbenchModel;
-        model->ModelFile = filePn;
-        model->AnimFile = FindBeside(filePn, cIO::GetAnimCodecs());
-        Append(model);
+bool cWorkbenchScene::Open(const char* modelPn) {
+    auto model = std::make_unique<cWorkbenchModel>();
+    Fill(model.get(), modelPn);
+    if (model->GetTriangleCount() == 0) {
+        return false;
     }
+    cClassExplorer::ReCreateControls();
+    Objects.Add(model.release());
+    return true;
 }
 
 void cWorkbenchScene::AddPath() {
-    Append(new cWorkbenchPath);
-}
-
-void cWorkbenchScene::Append(cWorkbenchObject* object) {
+    auto* path = new cWorkbenchPath;
     cClassExplorer::ReCreateControls();
-    Objects.Add(object);
-    Select(object);
+    Objects.Add(path);
+    Select(path);
 }
 
-int cWorkbenchScene::OpenFolder(const char* folder) {
+bool cWorkbenchScene::OpenFolder(const char* folder) {
     cStr extensions;
     for (const cIO::ModelCodecInfo& codec : cIO::GetModelCodecs()) {
         extensions += (extensions.IsEmpty() ? "" : ";") + codec.Extension;
@@ -97,7 +102,7 @@ int cWorkbenchScene::OpenFolder(const char* folder) {
     cIO::SearchFilesRecursive(folder, &files, extensions);
     if (files.IsEmpty()) {
         cLog::Warning("There are no models in \"%s\".", folder);
-        return 0;
+        return false;
     }
     cClassExplorer::ReCreateControls();
     Select(nullptr);
@@ -111,10 +116,7 @@ int cWorkbenchScene::OpenFolder(const char* folder) {
     float x = 0;
     for (const cStr& filePn : files) {
         auto* model = new cWorkbenchModel;
-        model->ModelFile = filePn;
-        model->AnimFile = FindBeside(filePn, cIO::GetAnimCodecs());
-        model->Play = true;
-        model->EnsureLoaded();
+        Fill(model, filePn);
         const cBounds bounds = model->GetBounds();
         if (!bounds.IsEmpty()) {
             model->Transform.Translate.x = std::round(x - bounds.min[0]);
@@ -124,7 +126,7 @@ int cWorkbenchScene::OpenFolder(const char* folder) {
     }
     SetFolder(folder);
     ForEach([x](cWorkbenchObject* object) { object->GetTransform()->Translate.x -= std::round((x - Gap) / 2); });
-    return files.Count();
+    return true;
 }
 
 cStr cWorkbenchScene::GetFolder() {

@@ -13,13 +13,13 @@ public:
     void CustomDtor() override { m_Selected = nullptr; }
 
     // Buttons
-    void OpenFolder(); ///< Asks for one.
-    void AddModel();   ///< Asks for a file.
-    void AddPath();    ///< Beside the others.
+    void AddModel(); ///< Asks for a file.
+    void AddPath();
 
     /// All models of a folder in place of what is there, side by side; an animation of a model's name goes with it,
-    /// and a file "Materials.Xml" becomes the table of materials. @return how many models there are
-    int OpenFolder(const char* folder);
+    /// and a file "Materials.Xml" becomes the table of materials. @return false, and nothing changes, without models
+    bool OpenFolder(const char* folder);
+    bool Open(const char* modelPn); ///< One model beside the others. @return false when there is none in the file
 
     /// The folder that names without a path of their own are looked up in, also those of textures. The files of the
     /// scene stay the same ones; those within the folder go by short names from now on.
@@ -45,7 +45,6 @@ private:
             }
         }
     }
-    void Append(cWorkbenchObject* object);
 
     cWorkbenchObject* m_Selected = nullptr; // compared with the objects first
     int m_Handles = 0;                      // the type that it has

@@ -308,10 +308,14 @@ TEST_F(Window, AServerThatGoesIsToldOf) {
 TEST_F(Window, AsksBeforeAChangeIsLost) {
     const auto program = Start({TRELLIS_DATA, TRELLIS_SCENES "/lighthouse.obj"});
     SleepMs(2000);
+    Play("mousemove 640 300 click 1 sleep 0.5 key Delete sleep 0.5 key Return sleep 0.5\n");
     AskToClose();
     SleepMs(1000);
-    Play("key Escape\n");
-    EXPECT_EQ(program->Wait(1), -1);
+    Play("key Escape sleep 0.5\n");
+    AskToClose();
+    SleepMs(1000);
+    Play("key Tab sleep 0.2 key space sleep 0.2\n"); // "No"
+    EXPECT_EQ(program->Wait(5), 0) << Errors();
 }
 
 // ---- The window itself

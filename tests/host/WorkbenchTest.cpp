@@ -165,6 +165,9 @@ TEST_F(Workbench, AChangeIsNotLost) {
     Play("5 move 1 1\n", close); // nothing to lose
     EXPECT_TRUE(mayClose);
     ASSERT_TRUE(Program->Open(Write("models").c_str()));
+    Play("5 move 1 1\n", close); // the folder is still there
+    EXPECT_TRUE(mayClose);
+    Program->GetScene().AddPath();
     const std::string saved = Write("models/kept.Xml");
     const struct {
         const char* Script;
