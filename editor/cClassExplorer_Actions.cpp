@@ -365,7 +365,9 @@ bool cClassExplorer::Stub::ClipBoardIsCompatible() {
 void cClassExplorer::Stub::Paste() {
     const Row* row = Focused();
     if (row && ClipBoardIsCompatible()) {
-        const Row element = *row;
+        Row element = *row;
+        int value = 0;
+        element.Data = element.Value ? &value : element.Data;
         ResetElement(element);
         element.Class->Load(cClassExplorer_ClipBoard, element.Data, nullptr, element.Extra);
         RunSetter(element, element.Data);
@@ -374,7 +376,9 @@ void cClassExplorer::Stub::Paste() {
 
 void cClassExplorer::Stub::Clear() {
     if (const Row* row = Focused()) {
-        const Row element = *row;
+        Row element = *row;
+        int value = 0; // of a property that is read by value
+        element.Data = element.Value ? &value : element.Data;
         ResetElement(element);
         RunSetter(element, element.Data);
     }

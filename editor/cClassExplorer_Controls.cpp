@@ -141,6 +141,9 @@ void cClassExplorer::Stub::CreateLeaf(Row row, cWnd* parent, const char* label) 
         return;
     }
     if (row.Member && row.Member->IntGetter) {
+        if (maker->Count != 1 || (maker->Type != Bool && maker->Type != Int)) {
+            return; // an int cannot hold it
+        }
         row.Value = &m_Values.emplace_back(0);
     }
     cWnd* control = maker->Make({parent, label, row.Value ? row.Value : row.Data, row.Extra});

@@ -296,7 +296,9 @@ void cClassExplorer::Stub::AskForRows() {
             std::memcpy(row.Former, row.Data, sizeof(row.Former));
         }
         if (row.Value && row.Part == 0) {
-            *row.Value = row.Former[0] = *static_cast<int*>(row.Member->Locate(row.ParentClass));
+            const int now = *static_cast<int*>(row.Member->Locate(row.ParentClass));
+            const bool isBool = row.Control->GetType() == CheckBoxType; // which reads the lowest byte alone
+            *row.Value = row.Former[0] = isBool ? int(now != 0) : now;
         }
     }
 }

@@ -147,8 +147,9 @@ protected:
 private:
     void Handle(XEvent& event);
     void OnKey(XKeyEvent& event);
+    int CodeOfKey(unsigned key) const;
     void AnswerSelection(const XSelectionRequestEvent& request);
-    void TakeSelection(Atom property, cStr* text);
+    bool TakeSelection(Atom property, cStr* text);
     bool EnsureImage();
     void FreeImage();
 
@@ -187,6 +188,10 @@ bool X11Window::Create(const char* title, int width, int height, std::string* er
         *error = "The screen has no true colours.";
         return false;
     }
+    XSetErrorHandler([](Display*, XErrorEvent*) { // by default they end the program: a window of another one that has
+        s_HasFailed = true;                       // gone while it asked for our clipboard is enough
+        return 0;
+    });
     XSetIOErrorHandler([](Display*) { return 0; }); // the other one says it
     XSetIOErrorExitHandler(
         m_Display,
@@ -280,7 +285,7 @@ void X11Window::Handle(XEvent& event) {
         break;
     case KeyRelease:
         m_Held.reset(event.xkey.keycode & 255);
-        OnButton(CodeOf(XkbKeycodeToKeysym(m_Display, KeyCode(event.xkey.keycode), 0, 0)), false);
+        OnButton(CodeOfKey(event.xkey.keycode), false);
         break;
     case ButtonPress:
         point(event.xbutton.x, event.xbutton.y);
@@ -327,11 +332,25 @@ void X11Window::Handle(XEvent& event) {
     }
 }
 
+/// By the first layout that has a code for the key; of French digits it is the shifted symbol.
+int X11Window::CodeOfKey(unsigned key) const {
+    constexpr int Layouts = 4, Levels = 2;
+    for (int level = 0; level < Levels; level++) {
+        for (int layout = 0; layout < Layouts; layout++) {
+            const int code = CodeOf(XkbKeycodeToKeysym(m_Display, KeyCode(key), layout, level));
+            if (code != -1) {
+                return code;
+            }
+        }
+    }
+    return -1;
+}
+
 /// Repeats are the framework's to make; a character goes with its first press.
 void X11Window::OnKey(XKeyEvent& event) {
-    const int code = CodeOf(XkbKeycodeToKeysym(m_Display, KeyCode(event.keycode), 0, 0));
+    const int code = CodeOfKey(event.keycode);
     const bool isRepeat = m_Held.test(event.keycode & 255);
-    m_Held.set(event.keycode & 255);
+    m_Held.set(event.keycode & 255, event.keycode != 0); // 0: composed of several, and never let go
     if (!isRepeat) {
         OnButton(code, true);
     }
@@ -369,22 +388,22 @@ bool X11Window::EnsureImage() {
         m_Image = XShmCreateImage(m_Display, visual, depth, ZPixmap, nullptr, &m_Shared, width, height);
         m_Shared.shmid = m_Image ? shmget(IPC_PRIVATE, size_t(m_Image->bytes_per_line) * height, IPC_CREAT | 0600) : -1;
         if (m_Shared.shmid != -1) {
-            m_Shared.shmaddr = m_Image->data = static_cast<char*>(shmat(m_Shared.shmid, nullptr, 0));
-            m_Shared.readOnly = True;
-            s_HasFailed = false;
-            const auto former = XSetErrorHandler([](Display*, XErrorEvent*) {
-                s_HasFailed = true; // a server on another machine
-                return 0;
-            });
-            XShmAttach(m_Display, &m_Shared);
-            XSync(m_Display, False);
-            XSetErrorHandler(former);
+            void* memory = shmat(m_Shared.shmid, nullptr, 0);
+            s_HasFailed = memory == reinterpret_cast<void*>(-1);
+            if (!s_HasFailed) {
+                m_Shared.shmaddr = m_Image->data = static_cast<char*>(memory);
+                m_Shared.readOnly = True;
+                XShmAttach(m_Display, &m_Shared); // not with a server on another machine
+                XSync(m_Display, False);
+            }
             shmctl(m_Shared.shmid, IPC_RMID, nullptr); // goes with the last of the two
             m_IsShared = !s_HasFailed;
             if (m_IsShared) {
                 return true;
             }
-            shmdt(m_Shared.shmaddr);
+            if (m_Image->data) {
+                shmdt(m_Shared.shmaddr);
+            }
         }
         if (m_Image) {
             m_Image->data = nullptr;
@@ -393,7 +412,7 @@ bool X11Window::EnsureImage() {
         }
     }
     auto* pixels = static_cast<char*>(std::calloc(size_t(width) * height, 4));
-    m_Image = XCreateImage(m_Display, visual, depth, ZPixmap, 0, pixels, width, height, 32, 0);
+    m_Image = pixels ? XCreateImage(m_Display, visual, depth, ZPixmap, 0, pixels, width, height, 32, 0) : nullptr;
     return m_Image;
 }
 
@@ -491,13 +510,15 @@ void X11Window::AnswerSelection(const XSelectionRequestEvent& request) {
     answer.xselection.selection = request.selection;
     answer.xselection.target = request.target;
     answer.xselection.time = request.time;
-    answer.xselection.property = request.property;
+    const Atom property = request.property ? request.property : request.target; // as old programs have it
+    const long mostBytes = std::max(XExtendedMaxRequestSize(m_Display), XMaxRequestSize(m_Display)) * 4 - 64;
+    answer.xselection.property = property;
     if (request.target == m_Targets) {
         const Atom offered[] = {m_Targets, m_Utf8, XA_STRING};
-        XChangeProperty(m_Display, request.requestor, request.property, XA_ATOM, 32, PropModeReplace,
+        XChangeProperty(m_Display, request.requestor, property, XA_ATOM, 32, PropModeReplace,
                         reinterpret_cast<const unsigned char*>(offered), int(std::size(offered)));
-    } else if (request.target == m_Utf8 || request.target == XA_STRING) {
-        XChangeProperty(m_Display, request.requestor, request.property, request.target, 8, PropModeReplace,
+    } else if ((request.target == m_Utf8 || request.target == XA_STRING) && long(m_Owned.size()) <= mostBytes) {
+        XChangeProperty(m_Display, request.requestor, property, request.target, 8, PropModeReplace,
                         reinterpret_cast<const unsigned char*>(m_Owned.data()), int(m_Owned.size()));
     } else {
         answer.xselection.property = 0;
@@ -513,16 +534,14 @@ bool X11Window::GetClipboardText(cStr* text) {
         *text = m_Owned.c_str();
         return true;
     }
+    for (XEvent late; XCheckTypedWindowEvent(m_Display, m_Window, SelectionNotify, &late);) {
+    }
     XConvertSelection(m_Display, m_Clipboard, m_Utf8, m_Property, m_Window, CurrentTime);
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
     while (std::chrono::steady_clock::now() < deadline && GetFailure().empty()) { // its owner may have hung
         XEvent event;
         if (XCheckTypedWindowEvent(m_Display, m_Window, SelectionNotify, &event)) {
-            if (event.xselection.property == 0) {
-                return false;
-            }
-            TakeSelection(event.xselection.property, text);
-            return true;
+            return event.xselection.property != 0 && TakeSelection(event.xselection.property, text);
         }
         XFlush(m_Display);
         pollfd connection{ConnectionNumber(m_Display), POLLIN, 0};
@@ -531,21 +550,23 @@ bool X11Window::GetClipboardText(cStr* text) {
     return false;
 }
 
-void X11Window::TakeSelection(Atom property, cStr* text) {
+/// @return false for what comes in pieces, which is larger than any text here
+bool X11Window::TakeSelection(Atom property, cStr* text) {
     constexpr long MostWords = 1 << 20; // four bytes each
     Atom type;
-    int format;
+    int format = 0;
     unsigned long count, left;
     unsigned char* bytes = nullptr;
-    text->Clear();
     if (XGetWindowProperty(m_Display, m_Window, property, 0, MostWords, True, AnyPropertyType, &type, &format, &count,
-                           &left, &bytes) == Success &&
-        bytes) {
-        if (format == 8) {
-            *text = reinterpret_cast<const char*>(bytes); // which the library ends with a 0
-        }
-        XFree(bytes);
+                           &left, &bytes) != Success ||
+        !bytes) {
+        return false;
     }
+    if (format == 8) {
+        *text = reinterpret_cast<const char*>(bytes); // which the library ends with a 0
+    }
+    XFree(bytes);
+    return format == 8;
 }
 
 } // namespace

@@ -250,7 +250,7 @@ const cSoftwareShader* cSoftwareDevice::KeepValues(Shader* shader) {
         return shader->Copies[shader->Used - 1].get();
     }
     if (shader->Used == shader->Copies.size()) {
-        shader->Copies.push_back(shader->Make(LayoutOf(shader->Format), shader->Defines));
+        shader->Copies.push_back(shader->Make(shader->Layout, shader->Defines));
     }
     cSoftwareShader* copy = shader->Copies[shader->Used++].get();
     copy->CopyValuesOf(program);

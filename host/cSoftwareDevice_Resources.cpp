@@ -224,7 +224,8 @@ int cSoftwareDevice::AddShader(const char* name, int vertexFormat, const char* d
     }
     auto shader = std::make_unique<Shader>();
     shader->Make = factory;
-    shader->Program = factory(LayoutOf(vertexFormat), defines ? defines : "");
+    shader->Layout = LayoutOf(vertexFormat);
+    shader->Program = factory(shader->Layout, defines ? defines : "");
     shader->Name = name;
     shader->Defines = defines ? defines : "";
     shader->Format = vertexFormat;

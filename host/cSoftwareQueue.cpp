@@ -11,6 +11,7 @@ constexpr int s_BandShift = 5;   // colours and depths of 32 rows of a usual pic
 constexpr int s_WholeShift = 15; // above the largest side
 constexpr int s_MaxVertices = 1 << 16, s_FirstVertices = 1 << 10;
 constexpr size_t s_MaxCalls = 1 << 12;
+constexpr int s_MaxEntries = 1 << 20;   // of 16 bytes, in all bands together
 constexpr int64_t s_LeastWork = 30'000; // below it another thread would come too late to help
 
 /// Calls with other targets do not wait together: one might read what the other draws into.
@@ -28,9 +29,12 @@ void cSoftwareQueue::MakeRoom(const State& state, int vertices, bool isAlone) {
         Flush();
     }
     if (vertices > m_Capacity - m_Count) {
-        m_Capacity = std::max({vertices, std::min(2 * m_Capacity, s_MaxVertices), s_FirstVertices});
-        m_Vertices.reset(new Vertex[size_t(m_Capacity)]);
-        m_Corners.reset(new cSoftwareRaster::Corner[size_t(m_Capacity)]);
+        const int64_t doubled = std::min(int64_t(2) * m_Capacity, int64_t(s_MaxVertices));
+        const int capacity = std::max({vertices, int(doubled), s_FirstVertices});
+        std::unique_ptr<Vertex[]> grown(new Vertex[size_t(capacity)]);
+        m_Corners.reset(new cSoftwareRaster::Corner[size_t(capacity)]);
+        m_Vertices = std::move(grown);
+        m_Capacity = capacity;
     }
     if (m_Calls.empty()) {
         m_Shift = isAlone ? s_WholeShift : s_BandShift;
@@ -63,7 +67,11 @@ void cSoftwareQueue::Project() {
 void cSoftwareQueue::Add(const int (&corners)[3], int y0, int y1) {
     const cSoftwareRaster::Bounds& clip = m_Calls.back().What.Clip;
     const int first = std::max(y0, clip.Y0), last = std::min(y1, clip.Y1) - 1;
+    if (m_Entries > s_MaxEntries) {
+        DrawBands();
+    }
     for (int band = first >> m_Shift; first <= last && band <= last >> m_Shift; band++) {
+        m_Entries++;
         m_Bands[size_t(band)].push_back({int(m_Calls.size()) - 1, {corners[0], corners[1], corners[2]}});
     }
 }
@@ -112,6 +120,14 @@ void cSoftwareQueue::Flush() {
     if (m_Calls.empty()) {
         return;
     }
+    DrawBands();
+    m_Calls.clear();
+    m_Count = 0;
+    m_Round++;
+}
+
+/// What waits in the bands; the calls and their vertices stay.
+void cSoftwareQueue::DrawBands() {
     m_NextBand = 0;
     const auto job = [this](int worker) {
         for (int band = m_NextBand++; band < int(m_Bands.size()); band = m_NextBand++) {
@@ -126,10 +142,8 @@ void cSoftwareQueue::Flush() {
     for (auto& band : m_Bands) {
         band.clear();
     }
-    m_Calls.clear();
-    m_Count = 0;
+    m_Entries = 0;
     m_Work = 0;
-    m_Round++;
 }
 
 void cSoftwareQueue::Wipe(const Call& call, int y0, int y1) {

@@ -68,6 +68,7 @@ private:
 
     const cSoftwareRaster::Corner& At(int vertex) const { return m_Corners[size_t(m_First + vertex)]; }
     void Add(const int (&corners)[3], int y0, int y1);
+    void DrawBands();
     void Draw(int band, cSoftwareRaster* raster) const;
     static void Wipe(const Call& call, int y0, int y1);
 
@@ -79,6 +80,7 @@ private:
     int m_Capacity = 0, m_First = 0, m_Count = 0; // vertices; those of the present call begin at the first
     std::vector<std::vector<Entry>> m_Bands;
     int m_Shift = 0;    // a band has 1 << m_Shift rows
+    int m_Entries = 0;  // in all of them
     int64_t m_Work = 0; // in pixels, about
     unsigned m_Round = 0;
     std::atomic<int> m_NextBand = 0;

@@ -17,8 +17,9 @@ class cRect;
 
 /// One build of a shader: for one vertex format and one set of defines. A derived class declares its constants and
 /// samplers in its constructor; they are members of it, and have their values when the two stages are called. The
-/// stages change no member, and write no memory but their results: `Pixels` runs on several threads at once, and later
-/// than the call that it belongs to, on another instance of the shader, which has the constants of that call.
+/// stages change no member, write no memory but their results, and throw nothing: `Pixels` runs on several threads at
+/// once, and later than the call that it belongs to, on another instance of the shader, which has the constants of that
+/// call.
 class cSoftwareShader {
 public:
     static constexpr int MaxVaryings = 4;

@@ -1,6 +1,7 @@
 #include "host/cSoftwareThreads.h"
 
 #include <algorithm>
+#include <exception>
 
 namespace trellis {
 
@@ -20,7 +21,11 @@ cSoftwareThreads::~cSoftwareThreads() {
 
 void cSoftwareThreads::Run(const std::function<void(int)>& job) {
     while (int(m_Threads.size()) < m_Count - 1) {
-        m_Threads.emplace_back(&cSoftwareThreads::Work, this, int(m_Threads.size()) + 1);
+        try {
+            m_Threads.emplace_back(&cSoftwareThreads::Work, this, int(m_Threads.size()) + 1);
+        } catch (const std::exception&) { // there are no more to be had: fewer can do it as well
+            m_Count = int(m_Threads.size()) + 1;
+        }
     }
     {
         const std::lock_guard lock(m_Mutex);

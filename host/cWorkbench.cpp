@@ -38,6 +38,10 @@ void DressWnd(cWnd* wnd, const cTheme* theme) {
     wnd->CalcRelBounds();
 }
 
+bool HasFonts(const cTheme* theme) {
+    return theme && theme->ButtonFont != -1;
+}
+
 /// Windows keep the theme that they were made with.
 void DressForm(cForm* form, const cTheme* theme) {
     form->m_Theme = theme;
@@ -143,7 +147,8 @@ private:
 
 cWorkbench::cWorkbench(const Driver& driver)
     : m_Driver(driver), m_Dialogs([this] { return RunFrame(); }),
-      m_Theme(cTheme::WindowsStandard ? cTheme::WindowsStandard : cTheme::Fragile), m_Viewer(new cFreeViewer) {
+      m_Theme(HasFonts(cTheme::WindowsStandard) ? cTheme::WindowsStandard : cTheme::Fragile),
+      m_Viewer(new cFreeViewer) {
     cWidgets::AddWidget(m_Viewer, 0);
     cWidgets::AddWidget(new SceneWidget(this), 0);
     cWidgets::AddWidget(new StatusLine(this), s_StatusLayer);
@@ -156,8 +161,9 @@ cWorkbench::cWorkbench(const Driver& driver)
     cClassExplorer::AddObject("Materials", &g_Materials, "");
     cClassExplorer::AddMenuObject("Settings", &g_Settings, "");
     m_Scene.WriteToString(&m_Saved);
-    m_LogRead = cLog::GetLog().Length();
-    if (!m_Theme) {
+    g_Materials.WriteToString(&m_SavedMaterials);
+    if (!HasFonts(m_Theme)) {
+        m_Theme = nullptr;
         cLog::Error("There are no fonts in \"%sFonts\": no forms and no texts can be shown.",
                     cIO::GetDefaultSourceFolder().Text());
     }
@@ -193,7 +199,9 @@ bool cWorkbench::RunFrame() {
 void cWorkbench::Render() {
     if (!cMain_LoadSceneXmlFilePn.IsEmpty()) { // a button of the settings, or whoever else wants one
         const cStr filePn = std::exchange(cMain_LoadSceneXmlFilePn, cStr());
-        OpenScene(filePn);
+        if (MayClose()) {
+            OpenScene(filePn);
+        }
     }
     ReadLog();
     Dress();
@@ -225,20 +233,21 @@ void cWorkbench::Dress() {
 }
 
 void cWorkbench::SetTheme(const cTheme* theme) {
-    if (!theme) {
+    if (!HasFonts(theme)) {
         Say("The fonts of this theme are missing.");
         return;
     }
     m_Theme = theme;
     HostDialogs::SetTheme(theme);
-    if (m_FormID != -1) { // another size
+    if (dynamic_cast<cWorkbenchForm*>(cWidgets::GetWidget(m_FormID))) { // another size
         ToggleForm();
         ToggleForm();
     }
 }
 
 void cWorkbench::ToggleForm() {
-    if (cWidget* form = cWidgets::GetWidget(m_FormID)) {
+    // closed by its button, its id may be another one's by now
+    if (auto* form = dynamic_cast<cWorkbenchForm*>(cWidgets::GetWidget(m_FormID))) {
         cWidgets::FreeWidget(form, true);
         m_FormID = -1;
         return;
@@ -318,15 +327,19 @@ bool cWorkbench::Open(const char* path) {
     const fs::path folder = isFolder ? fs::path(path) : fs::path(path).parent_path();
     cIO::SetFileDialogInitialFolder("Models", folder.c_str());
     cIO::SetModelAnimCameraBspDialogsInitialPath(folder.c_str());
+    cIO::SetXmlDialogInitialPath(folder.c_str());
     if (!isFolder && cStr::CompareNoCase(cStr(path).GetFileExtension(), "Xml") == 0) {
         return OpenScene(path);
     }
-    const bool isKept = isFolder || IsSaved(); // what can be opened again is no change
+    const bool isKept = isFolder || IsSaved(&m_Scene, m_Saved); // what can be opened again is no change
     if (!(isFolder ? m_Scene.OpenFolder(path) : m_Scene.Open(path))) {
         return false;
     }
     if (isKept) {
         m_Scene.WriteToString(&m_Saved);
+    }
+    if (isFolder) {
+        g_Materials.WriteToString(&m_SavedMaterials);
     }
     FrameView();
     return true;
@@ -341,25 +354,36 @@ bool cWorkbench::OpenScene(const char* filePn) {
         return false;
     }
     m_Scene.Select(nullptr);
-    m_Scene.SetFolder(fs::path(filePn).parent_path().c_str());
     cClassExplorer::ReloadObject(&m_Scene, filePn);
     m_Scene.WriteToString(&m_Saved);
+    RememberFile(filePn);
     m_Scene.Step(0);
     FrameView();
     return true;
 }
 
+/// The next dialog begins with it.
+void cWorkbench::RememberFile(const char* filePn) {
+    cIO::SetXmlDialogInitialPath(fs::path(filePn).parent_path().c_str());
+    cIO::SetXmlDialogInitialFile(fs::path(filePn).filename().c_str());
+}
+
 bool cWorkbench::SaveScene(const char* filePn) {
-    const cStr folder = cWorkbenchScene::GetFolder();
-    m_Scene.SetFolder(fs::path(filePn).parent_path().c_str());
-    if (!m_Scene.WriteToFile(filePn)) {
-        m_Scene.SetFolder(folder);
-        const cStr text = cStr::Format("The scene could not be saved to \"%s\".", filePn);
-        HostDialogs::Tell("Save Scene", text);
+    if (!Save(&m_Scene, &m_Saved, filePn)) {
+        return false;
+    }
+    RememberFile(filePn);
+    return true;
+}
+
+bool cWorkbench::Save(cClass* object, cStr* saved, const char* filePn) {
+    if (!object->WriteToFile(filePn)) {
+        const cStr text = cStr::Format("Nothing could be saved to \"%s\".", filePn);
+        HostDialogs::Tell("Save", text);
         Say(text);
         return false;
     }
-    m_Scene.WriteToString(&m_Saved);
+    object->WriteToString(saved);
     Say(cStr::Format("Saved to \"%s\".", filePn));
     return true;
 }
@@ -377,16 +401,16 @@ bool cWorkbench::AskToSave() {
 }
 
 /// The class explorer saves and loads as well, and keeps the name of the file.
-bool cWorkbench::IsSaved() {
+bool cWorkbench::IsSaved(cClass* object, const cStr& saved) {
     cStr now;
-    m_Scene.WriteToString(&now);
-    if (now == m_Saved) {
+    object->WriteToString(&now);
+    if (now == saved) {
         return true;
     }
-    for (const cClassExplorer::Object& object : cClassExplorer::GetObjects()) {
+    for (const cClassExplorer::Object& known : cClassExplorer::GetObjects()) {
         cFile file;
-        if (object.Class == &m_Scene && !object.FileName.IsEmpty() &&
-            cIO::LoadFile(object.Folder + object.FileName, &file, false)) {
+        if (known.Class == object && !known.FileName.IsEmpty() &&
+            cIO::LoadFile(known.Folder + known.FileName, &file, false)) {
             std::string onDisk(size_t(file.GetSize()), '\0');
             file.ReadBytes(onDisk.data(), file.GetSize());
             return onDisk == now.Text();
@@ -395,13 +419,30 @@ bool cWorkbench::IsSaved() {
     return false;
 }
 
+void cWorkbench::Rescue() {
+    std::error_code error;
+    const fs::path path = fs::current_path(error) / "Rescued.Xml";
+    if (!IsSaved(&m_Scene, m_Saved)) {
+        const bool isSaved = m_Scene.WriteToFile(path.c_str());
+        std::fprintf(stderr, "workbench: the scene was %s \"%s\".\n",
+                     isSaved ? "saved to" : "lost: no file can be made at", path.c_str());
+    }
+}
+
 bool cWorkbench::MayClose() {
-    if (IsSaved()) {
+    return MayLose(&m_Scene, m_Saved, "The scene has changed. Save it?") &&
+           MayLose(&g_Materials, m_SavedMaterials, "The materials have changed. Save them?");
+}
+
+bool cWorkbench::MayLose(cClass* object, const cStr& saved, const char* question) {
+    if (IsSaved(object, saved)) {
         return true;
     }
-    switch (HostDialogs::Ask("Workbench", "The scene has changed. Save it?")) {
+    cStr filePn;
+    switch (HostDialogs::Ask("Workbench", question)) {
     case HostDialogs::Yes:
-        return AskToSave();
+        return object == &m_Scene ? AskToSave()
+                                  : cIO::SaveXmlDialog(&filePn) && Save(object, &m_SavedMaterials, filePn);
     case HostDialogs::No:
         return true;
     default:
@@ -424,10 +465,14 @@ void cWorkbench::SaveShot() {
 // ---- Sentences
 
 void cWorkbench::Say(const char* sentence) {
+    ReadLog(); // it says more than what led to it
+    Show(sentence);
+}
+
+void cWorkbench::Show(const char* sentence) {
     constexpr float SaidSec = 5;
     m_Said = sentence;
     m_SaidSec = SaidSec;
-    m_LogRead = cLog::GetLog().Length(); // it says more than what led to it
 }
 
 /// Warnings reach the person as well.
@@ -444,7 +489,7 @@ void cWorkbench::ReadLog() {
     for (std::string line; std::getline(lines, line);) {
         line.erase(line.find_last_not_of("\r") + 1);
         if (!line.empty() && line.find("Load") > 3) { // that something has been loaded is no news
-            Say(line.c_str());
+            Show(line.c_str());
         }
     }
 }

@@ -30,14 +30,17 @@ public:
 
     bool RunFrame(); ///< @return false when the program ends
     void Resize(int width, int height);
-    bool IsMoving() const { return m_IsMoving; } ///< The picture changes by itself.
+    bool IsMoving() const { return m_IsMoving; }    ///< The picture changes by itself.
+    bool IsSaying() const { return m_SaidSec > 0; } ///< A sentence shows.
 
     /// A scene's XML, a folder of models, or one model. What cannot be opened leaves everything as it was, and the
     /// person gets a sentence.
     bool Open(const char* path);
     bool OpenScene(const char* filePn);
     bool SaveScene(const char* filePn);
-    bool MayClose(); ///< Asks whether to save a scene that has changed. @return false: the person wants to stay
+    void Rescue();   ///< What has changed, to "Rescued.Xml" in the current folder: nobody can be asked any more.
+    bool MayClose(); ///< Asks whether to save a scene, and materials, that have changed. @return false: the person
+                     ///< wants to stay
 
     // What the form and the keys do.
     void AskForFolder();
@@ -63,16 +66,20 @@ private:
     class StatusLine;
 
     void Render();
+    void RememberFile(const char* filePn);
+    void Show(const char* sentence);
     void Dress(); // forms that have opened since
     void ReadLog();
-    bool IsSaved();
+    bool IsSaved(cClass* object, const cStr& saved);
+    bool MayLose(cClass* object, const cStr& saved, const char* question);
+    bool Save(cClass* object, cStr* saved, const char* filePn);
 
     Driver m_Driver;
     HostDialogs m_Dialogs;
     const cTheme* m_Theme;
     cFreeViewer* m_Viewer;
     cWorkbenchScene m_Scene;
-    cStr m_Saved; // the scene as it was loaded or saved last
+    cStr m_Saved, m_SavedMaterials; // the scene, and the materials, as they were loaded or saved last
     int m_FormID = -1;
     int m_LogRead = 0;
     cStr m_Said;

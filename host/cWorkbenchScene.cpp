@@ -129,8 +129,19 @@ bool cWorkbenchScene::OpenFolder(const char* folder) {
     return true;
 }
 
-cStr cWorkbenchScene::GetFolder() {
-    return Folder().GetPath();
+bool cWorkbenchScene::ReadFromFile(const char* path) {
+    SetFolder(fs::path(path).parent_path().c_str());
+    return cClass::ReadFromFile(path);
+}
+
+bool cWorkbenchScene::WriteToFile(const char* path) {
+    const cStr folder = Folder().GetPath();
+    SetFolder(fs::path(path).parent_path().c_str());
+    if (cClass::WriteToFile(path)) {
+        return true;
+    }
+    SetFolder(folder);
+    return false;
 }
 
 void cWorkbenchScene::SetFolder(const char* folder) {

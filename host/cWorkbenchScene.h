@@ -11,6 +11,10 @@ class cWorkbenchScene : public cClass {
 
 public:
     void CustomDtor() override { m_Selected = nullptr; }
+    using cClass::ReadFromFile;
+    using cClass::WriteToFile;
+    bool ReadFromFile(const char* path) override; ///< Names in it are relative to its folder.
+    bool WriteToFile(const char* path) override;
 
     // Buttons
     void AddModel(); ///< Asks for a file.
@@ -24,7 +28,6 @@ public:
     /// The folder that names without a path of their own are looked up in, also those of textures. The files of the
     /// scene stay the same ones; those within the folder go by short names from now on.
     void SetFolder(const char* folder);
-    static cStr GetFolder();
 
     bool Step(float sec); ///< Once a frame. @return whether the picture changes by itself
     void Draw(bool grid);

@@ -56,7 +56,8 @@ bool SavePicture(const std::string& path) {
 }
 
 std::string Absolute(const char* path) {
-    return path ? std::filesystem::absolute(path).string() : "";
+    std::error_code error;
+    return path && *path ? std::filesystem::absolute(path, error).string() : "";
 }
 
 } // namespace
@@ -106,11 +107,14 @@ public:
     explicit WindowLoop(HostWindow* window) : m_Window(window) {}
 
     bool Next() {
-        constexpr int IdleMs = 500, EditingMs = 100, Settling = 60;
+        constexpr int IdleMs = 500, TickingMs = 100, Settling = 60;
         for (;;) {
             m_Window->Poll();
             if (!m_Window->GetFailure().empty()) {
                 return false;
+            }
+            if (HostDialogs::IsOpen()) {
+                m_Window->TakeClose(); // wants its answer first
             }
             if (m_Window->TakeChange() || s_Workbench->IsMoving()) {
                 m_Busy = Settling;
@@ -119,9 +123,9 @@ public:
                 m_Busy--;
                 break;
             }
-            const bool isEditing = cWidgets::IsCaptured(); // a caret blinks
-            m_Window->Wait(isEditing ? EditingMs : IdleMs);
-            m_Busy = isEditing ? 1 : 0;
+            const bool isTicking = cWidgets::IsCaptured() || s_Workbench->IsSaying(); // a caret blinks, a sentence goes
+            m_Window->Wait(isTicking ? TickingMs : IdleMs);
+            m_Busy = isTicking ? 1 : 0;
         }
         if (m_Width != m_Window->GetWidth() || m_Height != m_Window->GetHeight()) {
             m_Width = m_Window->GetWidth();
@@ -166,6 +170,9 @@ int RunInWindow(const std::string& path) {
         if (window->TakeClose() && cMain_OnClose()) {
             break;
         }
+    }
+    if (!window->GetFailure().empty()) {
+        s_Workbench->Rescue();
     }
     cMain_OnFree();
     if (!window->GetFailure().empty()) {

@@ -168,12 +168,11 @@ std::string ToCommands(const std::string& script, double slower) {
 class Window : public testing::Test {
 protected:
     void SetUp() override {
-        if (std::system("which Xvfb xdotool >/dev/null 2>&1") != 0) {
+        const bool hasTools = std::system("which Xvfb xdotool >/dev/null 2>&1") == 0;
+        if (!hasTools && !std::getenv("TRELLIS_NEEDS_WINDOW")) {
             GTEST_SKIP() << "no Xvfb, or no xdotool (Debian: install xvfb xdotool)";
         }
-        if (!fs::exists(fs::path(TRELLIS_DATA) / "made")) {
-            GTEST_SKIP() << "no fonts in " TRELLIS_DATA;
-        }
+        ASSERT_TRUE(hasTools);
         m_Folder = fs::temp_directory_path() / ("trellis_window_" + std::to_string(getpid()));
         fs::create_directories(m_Folder);
         int ends[2];
@@ -295,11 +294,13 @@ TEST_F(Window, RestsWhileNothingHappens) {
 }
 
 TEST_F(Window, AServerThatGoesIsToldOf) {
-    const auto program = Start({TRELLIS_DATA});
+    const auto program = Start({TRELLIS_DATA, TRELLIS_SCENES "/lighthouse.obj"});
     SleepMs(2000);
+    Play("mousemove 640 300 click 1 sleep 0.5 key Delete sleep 0.5 key Return sleep 0.5\n"); // a change
     m_Server->Kill();
     EXPECT_EQ(program->Wait(10), 1);
     EXPECT_NE(Errors().find("The connection to the X server is lost."), std::string::npos) << Errors();
+    EXPECT_NE(ReadAll(m_Folder / "Rescued.Xml").find("<cWorkbenchScene>"), std::string::npos) << Errors();
     EXPECT_EQ(Start({TRELLIS_DATA})->Wait(10), 1);
     EXPECT_NE(Errors().find("There is no X server to open a window on"), std::string::npos) << Errors();
 }

@@ -7,6 +7,7 @@
 #include "host/HandleParts.h"
 #include "host/InputScript.h"
 #include "host/cWorkbench.h"
+#include "mesh/cMaterials.h"
 #include "tests/ui/UiFixture.h"
 #include "ui/cForm.h"
 #include "ui/cToolBar.h"
@@ -132,7 +133,7 @@ TEST_F(Workbench, WhatCannotBeOpenedOrSaved) {
     bool isSaved = true;
     Play("30 press Enter\n40 move 1 1\n", [&] { isSaved = Program->SaveScene("/proc/no/scene.Xml"); });
     EXPECT_FALSE(isSaved);
-    EXPECT_NE(Program->GetSaid().IndexOf("could not be saved"), -1);
+    EXPECT_NE(Program->GetSaid().IndexOf("Nothing could be saved"), -1);
 
     EXPECT_FALSE(Program->Open(Write("other/broken.obj").c_str()));
     EXPECT_NE(cLog::GetLog().IndexOf("There is no model to be had"), -1);
@@ -194,6 +195,10 @@ TEST_F(Workbench, AChangeIsNotLost) {
     }
     Play("5 move 1 1\n", close); // saved by now
     EXPECT_TRUE(mayClose);
+    g_Materials.Categories.Add(new cMaterial_Category);
+    Play("20 press Esc\n30 move 1 1\n", close); // these are the person's work as well
+    EXPECT_FALSE(mayClose);
+    g_Materials.Categories.RemoveAt(0);
 }
 
 TEST_F(Workbench, FormsTakeTheTheme) {
