@@ -191,10 +191,8 @@ void cSoftwareMerge::MergeBytes(unsigned* target, const unsigned* source, int st
     }
     switch (m_Way) {
     case Way::Replace:
-        if (step) {
-            std::copy_n(source, count, target);
-        } else {
-            FillRun(target, *source, count);
+        for (int i = 0; i < count; i++, source += step) {
+            target[i] = *source;
         }
         break;
     case Way::Alpha:
@@ -267,6 +265,10 @@ void cSoftwareMerge::Fill(int x, int y, int count, const cVec4& color) const {
     }
     const unsigned source = Float4::Load(color).ToBytes();
     unsigned* target = m_Surface.Bytes + offset;
+    if (IsPlain()) {
+        FillRun(target, source, count);
+        return;
+    }
     if (m_Mask == ~0u) {
         MergeBytes(target, &source, 0, count);
         return;

@@ -164,7 +164,7 @@ cWorkbench::cWorkbench(const Driver& driver)
     g_Materials.WriteToString(&m_SavedMaterials);
     if (!HasFonts(m_Theme)) {
         m_Theme = nullptr;
-        cLog::Error("There are no fonts in \"%sFonts\": no forms and no texts can be shown.",
+        cLog::Error("There are no fonts in \"%s/Fonts\": no forms and no texts can be shown.",
                     cIO::GetDefaultSourceFolder().Text());
     }
     HostDialogs::SetTheme(m_Theme);

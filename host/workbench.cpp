@@ -162,6 +162,9 @@ int RunInWindow(const std::string& path) {
     s_Driver.Show = [&loop] { loop.Show(); };
     HostWindow::AddTo(&s_Driver.Host);
     cMain_OnInit();
+    if (!s_Workbench->GetTheme()) {
+        window->SetTitle("Trellis workbench - there are no fonts in the data folder");
+    }
     Resize(width, height);
     if (!path.empty()) {
         cMain_OnDrop(path.c_str());
