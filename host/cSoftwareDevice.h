@@ -141,7 +141,7 @@ private:
     struct Shader {
         std::unique_ptr<cSoftwareShader> Program;
         cSoftwareShader::Factory Make;
-        cSoftwareShader::Layout Layout; // as the program got it
+        cSoftwareShader::Layout Layout;                       // as the program got it
         std::vector<std::unique_ptr<cSoftwareShader>> Copies; // with the constants of calls that wait
         size_t Used = 0;                                      // of them, in this round of the queue
         unsigned Round = 0;

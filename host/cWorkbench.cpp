@@ -162,6 +162,7 @@ cWorkbench::cWorkbench(const Driver& driver)
     cClassExplorer::AddMenuObject("Settings", &g_Settings, "");
     m_Scene.WriteToString(&m_Saved);
     g_Materials.WriteToString(&m_SavedMaterials);
+    m_LogRead = cLog::GetLog().Length();
     if (!HasFonts(m_Theme)) {
         m_Theme = nullptr;
         cLog::Error("There are no fonts in \"%s/Fonts\": no forms and no texts can be shown.",
