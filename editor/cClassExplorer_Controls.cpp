@@ -141,7 +141,8 @@ void cClassExplorer::Stub::CreateLeaf(Row row, cWnd* parent, const char* label) 
         return;
     }
     if (row.Member && row.Member->IntGetter) {
-        if (maker->Count != 1 || (maker->Type != Bool && maker->Type != Int)) {
+        const bool isNumber = maker->Count == 1 && (maker->Type == Bool || maker->Type == Int);
+        if (!isNumber && cStr::Compare(maker->Kind, "_cImageID") != 0) {
             return; // an int cannot hold it
         }
         row.Value = &m_Values.emplace_back(0);

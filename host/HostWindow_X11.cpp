@@ -322,7 +322,9 @@ void X11Window::Handle(XEvent& event) {
         AnswerSelection(event.xselectionrequest);
         break;
     case SelectionClear:
-        m_Owned.clear();
+        if (XGetSelectionOwner(m_Display, m_Clipboard) != m_Window) { // not again ours meanwhile
+            m_Owned.clear();
+        }
         break;
     case ClientMessage:
         if (Atom(event.xclient.data.l[0]) == m_DeleteWindow) {
@@ -332,15 +334,22 @@ void X11Window::Handle(XEvent& event) {
     }
 }
 
-/// By the first layout that has a code for the key; of French digits it is the shifted symbol.
+/// By the first layout that has a code for the key. A digit may be the shifted symbol, as in France; a modifier is not
+/// another layout's.
 int X11Window::CodeOfKey(unsigned key) const {
-    constexpr int Layouts = 4, Levels = 2;
-    for (int level = 0; level < Levels; level++) {
-        for (int layout = 0; layout < Layouts; layout++) {
-            const int code = CodeOf(XkbKeycodeToKeysym(m_Display, KeyCode(key), layout, level));
-            if (code != -1) {
-                return code;
-            }
+    constexpr int Layouts = 4;
+    const auto symbolOf = [&](int layout, int level) {
+        return XkbKeycodeToKeysym(m_Display, KeyCode(key), layout, level);
+    };
+    const KeySym shifted = symbolOf(0, 1);
+    if (shifted >= XK_0 && shifted <= XK_9) {
+        return CodeOf(shifted);
+    }
+    for (int layout = 0; layout < Layouts; layout++) {
+        const KeySym symbol = symbolOf(layout, 0);
+        const int code = CodeOf(symbol);
+        if (code != -1 || IsModifierKey(symbol)) {
+            return code;
         }
     }
     return -1;
@@ -388,6 +397,7 @@ bool X11Window::EnsureImage() {
         m_Image = XShmCreateImage(m_Display, visual, depth, ZPixmap, nullptr, &m_Shared, width, height);
         m_Shared.shmid = m_Image ? shmget(IPC_PRIVATE, size_t(m_Image->bytes_per_line) * height, IPC_CREAT | 0600) : -1;
         if (m_Shared.shmid != -1) {
+            XSync(m_Display, False); // what has failed before is not meant
             void* memory = shmat(m_Shared.shmid, nullptr, 0);
             s_HasFailed = memory == reinterpret_cast<void*>(-1);
             if (!s_HasFailed) {
@@ -550,7 +560,7 @@ bool X11Window::GetClipboardText(cStr* text) {
     return false;
 }
 
-/// @return false for what comes in pieces, which is larger than any text here
+/// @return false for what comes in pieces or is too long, which is larger than any text here
 bool X11Window::TakeSelection(Atom property, cStr* text) {
     constexpr long MostWords = 1 << 20; // four bytes each
     Atom type;
@@ -562,11 +572,12 @@ bool X11Window::TakeSelection(Atom property, cStr* text) {
         !bytes) {
         return false;
     }
-    if (format == 8) {
+    const bool isWhole = format == 8 && left == 0;
+    if (isWhole) {
         *text = reinterpret_cast<const char*>(bytes); // which the library ends with a 0
     }
     XFree(bytes);
-    return format == 8;
+    return isWhole;
 }
 
 } // namespace

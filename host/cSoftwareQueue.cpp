@@ -69,6 +69,7 @@ void cSoftwareQueue::Add(const int (&corners)[3], int y0, int y1) {
     const int first = std::max(y0, clip.Y0), last = std::min(y1, clip.Y1) - 1;
     if (m_Entries > s_MaxEntries) {
         DrawBands();
+        m_Rasters[0].Begin(m_Calls.back().What); // which has drawn other calls
     }
     for (int band = first >> m_Shift; first <= last && band <= last >> m_Shift; band++) {
         m_Entries++;

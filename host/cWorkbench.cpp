@@ -38,6 +38,16 @@ void DressWnd(cWnd* wnd, const cTheme* theme) {
     wnd->CalcRelBounds();
 }
 
+/// "Name.bmp", or with a number what is not there yet.
+fs::path FreeName(const fs::path& folder, const std::string& name, const char* extension) {
+    std::error_code error;
+    fs::path path = folder / (name + extension);
+    for (int i = 2; fs::exists(path, error); i++) {
+        path = folder / (name + " " + std::to_string(i) + extension);
+    }
+    return path;
+}
+
 bool HasFonts(const cTheme* theme) {
     return theme && theme->ButtonFont != -1;
 }
@@ -129,10 +139,13 @@ public:
     explicit StatusLine(cWorkbench* program) : m_Program(program) {}
 
     void OnRender() override {
-        if (m_Program->m_SaidSec <= 0 || !m_Program->m_Theme) {
+        if (m_Program->m_SaidSec <= 0) {
             return;
         }
         m_Program->m_SaidSec -= cTimer::GetSystemFrameTimeSec();
+        if (!m_Program->m_Theme) {
+            return;
+        }
         cTheme::DrawArgs args;
         args.Part = cTheme::Parts::ToolTip;
         args.Text = m_Program->m_Said;
@@ -225,6 +238,9 @@ void cWorkbench::Resize(int width, int height) {
 }
 
 void cWorkbench::Dress() {
+    if (!m_Theme) { // forms without texts keep the one that they opened with
+        return;
+    }
     for (cForm* form : cForm::s_Forms) {
         if (form->m_Theme != m_Theme) {
             DressForm(form, m_Theme);
@@ -329,6 +345,7 @@ bool cWorkbench::Open(const char* path) {
     cIO::SetFileDialogInitialFolder("Models", folder.c_str());
     cIO::SetModelAnimCameraBspDialogsInitialPath(folder.c_str());
     cIO::SetXmlDialogInitialPath(folder.c_str());
+    cIO::SetXmlDialogInitialFile("");
     if (!isFolder && cStr::CompareNoCase(cStr(path).GetFileExtension(), "Xml") == 0) {
         return OpenScene(path);
     }
@@ -339,7 +356,7 @@ bool cWorkbench::Open(const char* path) {
     if (isKept) {
         m_Scene.WriteToString(&m_Saved);
     }
-    if (isFolder) {
+    if (isFolder && fs::exists(folder / "Materials.Xml", error)) {
         g_Materials.WriteToString(&m_SavedMaterials);
     }
     FrameView();
@@ -348,7 +365,8 @@ bool cWorkbench::Open(const char* path) {
 
 bool cWorkbench::OpenScene(const char* filePn) {
     cXml document; // a scene that is no XML must not cost the one that is open
-    if (!document.ReadFromFile(filePn, cClass::MaxFileDepth) || !(document.GetName() == cWorkbenchScene::ClassName)) {
+    if (cStr::CompareNoCase(cStr(filePn).GetFileExtension(), "Xml") != 0 ||
+        !document.ReadFromFile(filePn, cClass::MaxFileDepth) || !(document.GetName() == cWorkbenchScene::ClassName)) {
         const cStr text = cStr::Format("\"%s\" is no scene of the workbench.", filePn);
         HostDialogs::Tell("Open Scene", text);
         Say(text);
@@ -422,11 +440,23 @@ bool cWorkbench::IsSaved(cClass* object, const cStr& saved) {
 
 void cWorkbench::Rescue() {
     std::error_code error;
-    const fs::path path = fs::current_path(error) / "Rescued.Xml";
-    if (!IsSaved(&m_Scene, m_Saved)) {
-        const bool isSaved = m_Scene.WriteToFile(path.c_str());
-        std::fprintf(stderr, "workbench: the scene was %s \"%s\".\n",
-                     isSaved ? "saved to" : "lost: no file can be made at", path.c_str());
+    const struct {
+        cClass* Object;
+        const cStr& Saved;
+        const char* Name;
+    } rows[] = {{&m_Scene, m_Saved, "Rescued"}, {&g_Materials, m_SavedMaterials, "Rescued Materials"}};
+    for (const auto& row : rows) {
+        bool isSaved = IsSaved(row.Object, row.Saved);
+        for (const fs::path& folder : {fs::current_path(error), fs::temp_directory_path(error)}) {
+            const fs::path path = FreeName(folder, row.Name, ".Xml");
+            if (!isSaved && row.Object->WriteToFile(path.c_str())) {
+                isSaved = true;
+                std::fprintf(stderr, "workbench: what had changed was saved to \"%s\".\n", path.c_str());
+            }
+        }
+        if (!isSaved) {
+            std::fprintf(stderr, "workbench: what had changed could not be saved.\n");
+        }
     }
 }
 
@@ -442,6 +472,9 @@ bool cWorkbench::MayLose(cClass* object, const cStr& saved, const char* question
     cStr filePn;
     switch (HostDialogs::Ask("Workbench", question)) {
     case HostDialogs::Yes:
+        if (object != &m_Scene) {
+            cIO::SetXmlDialogInitialFile("Materials.Xml");
+        }
         return object == &m_Scene ? AskToSave()
                                   : cIO::SaveXmlDialog(&filePn) && Save(object, &m_SavedMaterials, filePn);
     case HostDialogs::No:
@@ -453,10 +486,7 @@ bool cWorkbench::MayLose(cClass* object, const cStr& saved, const char* question
 
 void cWorkbench::SaveShot() {
     std::error_code error;
-    fs::path path;
-    for (int i = 1; path.empty() || fs::exists(path, error); i++) {
-        path = fs::current_path(error) / (i == 1 ? "ScreenShot.bmp" : "ScreenShot " + std::to_string(i) + ".bmp");
-    }
+    const fs::path path = FreeName(fs::current_path(error), "ScreenShot", ".bmp");
     cImage picture;
     cRender::ScreenShot(&picture);
     const bool isSaved = cIO::SaveImage(path.c_str(), picture);

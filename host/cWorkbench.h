@@ -38,7 +38,7 @@ public:
     bool Open(const char* path);
     bool OpenScene(const char* filePn);
     bool SaveScene(const char* filePn);
-    void Rescue();   ///< What has changed, to "Rescued.Xml" in the current folder: nobody can be asked any more.
+    void Rescue();   ///< What has changed, to files "Rescued" in the current folder, or the temporary one: nobody can be asked.
     bool MayClose(); ///< Asks whether to save a scene, and materials, that have changed. @return false: the person
                      ///< wants to stay
 
