@@ -345,9 +345,11 @@ bool cWorkbench::Open(const char* path) {
     cIO::SetFileDialogInitialFolder("Models", folder.c_str());
     cIO::SetModelAnimCameraBspDialogsInitialPath(folder.c_str());
     cIO::SetXmlDialogInitialPath(folder.c_str());
-    cIO::SetXmlDialogInitialFile("");
     if (!isFolder && cStr::CompareNoCase(cStr(path).GetFileExtension(), "Xml") == 0) {
         return OpenScene(path);
+    }
+    if (isFolder) {
+        cIO::SetXmlDialogInitialFile("");
     }
     const bool isKept = isFolder || IsSaved(&m_Scene, m_Saved); // what can be opened again is no change
     if (!(isFolder ? m_Scene.OpenFolder(path) : m_Scene.Open(path))) {
@@ -469,19 +471,19 @@ bool cWorkbench::MayLose(cClass* object, const cStr& saved, const char* question
     if (IsSaved(object, saved)) {
         return true;
     }
-    cStr filePn;
-    switch (HostDialogs::Ask("Workbench", question)) {
-    case HostDialogs::Yes:
-        if (object != &m_Scene) {
-            cIO::SetXmlDialogInitialFile("Materials.Xml");
-        }
-        return object == &m_Scene ? AskToSave()
-                                  : cIO::SaveXmlDialog(&filePn) && Save(object, &m_SavedMaterials, filePn);
-    case HostDialogs::No:
-        return true;
-    default:
-        return false;
+    const HostDialogs::Answer answer = HostDialogs::Ask("Workbench", question);
+    if (answer != HostDialogs::Yes) {
+        return answer == HostDialogs::No;
     }
+    if (object == &m_Scene) {
+        return AskToSave();
+    }
+    const cStr sceneFile = cIO::GetXmlDialogInitialFile();
+    cIO::SetXmlDialogInitialFile("Materials.Xml");
+    cStr filePn;
+    const bool isSaved = cIO::SaveXmlDialog(&filePn) && Save(object, &m_SavedMaterials, filePn);
+    cIO::SetXmlDialogInitialFile(sceneFile); // what the next save of the scene begins with
+    return isSaved;
 }
 
 void cWorkbench::SaveShot() {
